@@ -1,0 +1,41 @@
+# How every target of the project is compiled.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+find_program(TALLYFOOT_CCACHE ccache)
+if(TALLYFOOT_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER AND PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${TALLYFOOT_CCACHE}")
+endif()
+
+find_package(Threads REQUIRED)
+find_package(PkgConfig REQUIRED)
+find_package(CURL REQUIRED)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(nlohmann_json REQUIRED)
+pkg_check_modules(LIBZIP REQUIRED IMPORTED_TARGET libzip)
+pkg_check_modules(LIBPLIST REQUIRED IMPORTED_TARGET libplist-2.0)
+
+if(TALLYFOOT_SANITIZE)
+  add_compile_options(-fsanitize=${TALLYFOOT_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${TALLYFOOT_SANITIZE})
+endif()
+
+# Warnings for our own code; never for a header that somebody else wrote.
+function(tallyfoot_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    target_compile_options(${target} PRIVATE -Wthread-safety)
+  endif()
+  if(TALLYFOOT_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()

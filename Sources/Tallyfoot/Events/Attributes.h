@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Tallyfoot/Events/LogAttribute.h"
+#include "Tallyfoot/Export.h"
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace tallyfoot {
+
+// String-keyed attributes, as they come from callers that know only the record's keys.
+using TextAttributes = std::map<std::string, std::string, std::less<>>;
+
+// A dictionary from LogAttribute to text: a small value with one place per case, so that nothing
+// is allocated beyond the texts. Enumerates in declaration order.
+class TALLYFOOT_EXPORT Attributes {
+public:
+    Attributes() = default;
+    // On a key given twice the later value wins.
+    Attributes(std::initializer_list<std::pair<LogAttribute, std::string_view>> entries); // NOLINT: braces convert
+
+    // Keys that are no record key are dropped; values are kept as they are.
+    static Attributes fromTexts(const TextAttributes& texts);
+
+    bool empty() const noexcept { return present_ == 0; }
+    std::size_t size() const noexcept { return static_cast<std::size_t>(std::popcount(present_)); }
+    bool contains(LogAttribute key) const noexcept { return (present_ & bit(key)) != 0; }
+
+    // The value, or nullptr when there is none.
+    const std::string* find(LogAttribute key) const noexcept { return contains(key) ? &texts_[index(key)] : nullptr; }
+
+    void set(LogAttribute key, std::string_view text);
+    void set(LogAttribute key, std::string&& text);
+    void set(LogAttribute key, const char* text) { set(key, std::string_view(text)); }
+    void remove(LogAttribute key);
+
+    // Adds every entry of the other; on a key in both the other's value wins.
+    Attributes& operator+=(const Attributes& other);
+
+    // Calls block(LogAttribute, const std::string&) for each entry.
+    template <class Block>
+    void forEach(Block&& block) const {
+        for (std::uint32_t rest = present_; rest != 0; rest &= rest - 1) {
+            const auto place = static_cast<std::size_t>(std::countr_zero(rest));
+            block(static_cast<LogAttribute>(place), texts_[place]);
+        }
+    }
+
+    bool operator==(const Attributes& other) const;
+
+private:
+    static constexpr std::size_t index(LogAttribute key) noexcept { return static_cast<std::size_t>(key); }
+    static constexpr std::uint32_t bit(LogAttribute key) noexcept { return std::uint32_t{1} << index(key); }
+
+    std::uint32_t present_ = 0;
+    std::array<std::string, logAttributeTexts.size()> texts_; // an absent entry's text is empty
+};
+
+} // namespace tallyfoot

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Tallyfoot/Events/EventFormatter.h"
+
+namespace tallyfoot {
+
+// The text of a stored event: a pretty-printed JSON object of texts under the record keys,
+//
+//     {
+//       "evtId" : "…",
+//       "pgName" : "Home"
+//     }
+//
+// without a final line feed. Stateless; any thread.
+class FileEventFormatter final : public EventFormatter {
+public:
+    std::optional<std::string> format(const Event& event) const override;
+
+    // The same into a buffer that the caller keeps: replaces its content, allocates nothing once
+    // it has grown. False when the event cannot be formatted.
+    bool format(const Event& event, std::string& into) const;
+};
+
+} // namespace tallyfoot

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tallyfoot {
+
+// Stands behind every record in a log file; nothing else separates them.
+inline constexpr std::string_view recordSeparator = "jsonsplit";
+
+// Makes a stored record of a formatted event, in place: its custom data turned from a JSON text
+// into real JSON (`deEscapedCustomData`), then the separator. What has no usable custom data keeps
+// its layout.
+void makeStoredRecord(std::string& line);
+
+} // namespace tallyfoot

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Tallyfoot/Export.h"
+
+#include <optional>
+#include <string>
+
+namespace tallyfoot {
+
+class Coder;
+
+// Who the host application is. Fixed once made.
+class TALLYFOOT_EXPORT ApplicationInfo {
+public:
+    // Without a name, or with none given, the main bundle's "CFBundleName" is used.
+    ApplicationInfo(std::optional<std::string> appName, std::string appId, std::string bizArea, std::string bizAreaId);
+    ApplicationInfo(std::string appId, std::string bizArea, std::string bizAreaId);
+
+    // Archived by key under the fields' own names, in their order. Decoding is fatal without
+    // "appId", "bizArea" or "bizAreaId"; without "appName" it takes the bundle's name.
+    explicit ApplicationInfo(const Coder& coder);
+    void encode(Coder& coder) const;
+
+    const std::string& appName() const noexcept { return appName_; }
+    const std::string& appId() const noexcept { return appId_; }
+    const std::string& bizArea() const noexcept { return bizArea_; }
+    const std::string& bizAreaId() const noexcept { return bizAreaId_; }
+
+private:
+    std::string appName_;
+    std::string appId_;
+    std::string bizArea_;
+    std::string bizAreaId_;
+};
+
+} // namespace tallyfoot

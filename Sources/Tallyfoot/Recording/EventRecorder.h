@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Tallyfoot/Facade/Configuration/ApplicationInfo.h"
+#include "Tallyfoot/Facade/Configuration/Authentication.h"
+#include "Tallyfoot/Facade/Configuration/Settings.h"
+#include "Tallyfoot/Facade/Configuration/UploadConfiguration.h"
+#include "Tallyfoot/Platform/DebugConsole.h"
+#include "Tallyfoot/Platform/Dispatch.h"
+#include "Tallyfoot/Platform/Exclusive.h"
+#include "Tallyfoot/Platform/PlatformServices.h"
+#include "Tallyfoot/Recording/EventCountMonitor.h"
+#include "Tallyfoot/Recording/FrequencyMonitor.h"
+#include "Tallyfoot/Recording/KnownApplications.h"
+#include "Tallyfoot/Storage/FileHandler.h"
+#include "Tallyfoot/Upload/UploadManager.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tallyfoot {
+
+// The spine: takes formatted events, keeps them on disk, and decides what becomes of the files.
+//
+//     record ─> FileHandler          (full, more events than the threshold, or the period is over)
+//                   └── triggerUpload ─> close, count = 0, new period ─> upload ─> answer:
+//                       all arrived: the archive goes      some did not: those return to Upload
+//                       error: everything returns          token rejected: that, and fresh credentials
+//
+// The queue's turn orders all work on files and counts; nothing else touches them. Folder uploads
+// run one after another on a queue of their own, which takes the turn for each step on files, so
+// that packing and sending never keep a `record` waiting. The turn is never held while the host's
+// closure runs. Any thread.
+class EventRecorder : public std::enable_shared_from_this<EventRecorder> {
+public:
+    using AuthenticationHandler = std::function<std::shared_ptr<Authentication>()>;
+
+    // Asks the handler for the user's credentials, notes user and application in the store, and
+    // restores what an earlier run left. Fatal without a handler or a result.
+    static std::shared_ptr<EventRecorder> make(PlatformServices services, const Settings& settings,
+                                               std::shared_ptr<UploadConfiguration> configuration,
+                                               std::shared_ptr<ApplicationInfo> appInfo,
+                                               AuthenticationHandler authenticationHandler);
+    ~EventRecorder();
+
+    // One formatted event. On disk and counted when the call returns.
+    void record(std::string& line);
+
+    // Closes the current file and sends what is closed. What comes while another call is at it is ignored.
+    void triggerUpload();
+
+    // From now on records belong to this application; what the former ones left is uploaded.
+    void switchApplication(std::shared_ptr<ApplicationInfo> appInfo);
+
+    void setAuthenticationHandler(AuthenticationHandler handler);
+    std::shared_ptr<Authentication> authenticationInfo() const;
+    std::shared_ptr<ApplicationInfo> appInfo() const;
+
+private:
+};
+
+} // namespace tallyfoot

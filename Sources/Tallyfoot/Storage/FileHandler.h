@@ -1,0 +1,76 @@
+#pragma once
+
+#include "Tallyfoot/Facade/Configuration/Settings.h"
+#include "Tallyfoot/Facade/Configuration/UploadConfiguration.h"
+#include "Tallyfoot/Platform/Clock.h"
+#include "Tallyfoot/Platform/DebugConsole.h"
+#include "Tallyfoot/Platform/FunctionRef.h"
+#include "Tallyfoot/Storage/AppFolder.h"
+#include "Tallyfoot/Storage/StorageMonitor.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tallyfoot {
+
+// The log file writer of one application. A record's way:
+//
+//     write ─> Events/<date>.log ─ close ─> Upload/<date>.log ─ zip ─> Backup/<date>.zip
+//                                                ^───────── restore ──────────┘
+//
+// Every call holds the recorder's turn, except where it says that it takes the turn itself. No
+// failure leaves; each is one console line.
+class FileHandler {
+public:
+    // Takes the turn for the length of one block; how a long operation keeps each turn short.
+    using Turn = FunctionRef<void(FunctionRef<void()>)>;
+
+    struct Collaborators {
+        FileManager& fileManager;
+        const Clock& clock;
+        DebugConsole console;
+        const Settings& settings;
+    };
+
+    // Creates the folders, restores archives left behind, trims the storage and, for the current
+    // application, chooses and creates the current log file. An archive that `isInFlight` names is
+    // on its way to the server and stays: its answer decides.
+    FileHandler(Collaborators collaborators, std::shared_ptr<const UploadConfiguration> configuration,
+                std::shared_ptr<AppFolder> appFolder, bool isCurrentApplication,
+                const std::function<bool(std::string_view archiveName)>& isInFlight = {});
+    ~FileHandler();
+
+    void setTriggerUpload(std::function<void()> trigger); // called when the current file is full
+
+    // Appends a stored record (separator included) and, at the size threshold, calls triggerUpload.
+    void write(std::string_view record);
+    void close();     // the current file moves to Upload; a new name is chosen, its file made by the next write
+    void trim();      // deletes the oldest closed files down to half the budget once it is reached
+    void deleteAllLogs();
+
+    // Packs the closed files into one archive. Takes the turn itself, in short pieces: the packing
+    // between them reads closed files only. Not for two threads at once.
+    void zip(Turn turn);
+
+    // Unpacks the archive into Upload, deletes it, then deletes what was delivered. Takes the turn
+    // itself, in short pieces.
+    void restore(const std::string& archivePath, const std::vector<std::string>& delivered, Turn turn);
+
+    AppFolder& appFolder() noexcept { return *appFolder_; }
+    const std::optional<std::string>& currentLogFileName() const noexcept { return currentLogFileName_; }
+    std::string currentFilePath() const; // fatal while there is no name
+    const StorageMonitor& storageMonitor() const noexcept { return storageMonitor_; }
+
+private:
+    // (the implementer of this room shapes what follows)
+    std::shared_ptr<AppFolder> appFolder_;
+    std::optional<std::string> currentLogFileName_;
+    StorageMonitor storageMonitor_;
+};
+
+} // namespace tallyfoot

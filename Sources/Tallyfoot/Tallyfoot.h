@@ -1,0 +1,4 @@
+#pragma once
+
+// All that a host includes.
+#include "Tallyfoot/Facade/Tallyfoot.h"
