@@ -1,0 +1,98 @@
+# Thin: every rule calls a CMake preset or a script. Install what is missing, configure where that
+# has not been done, build, run. The second time only what changed is done again.
+
+.DEFAULT_GOAL := help
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+PREFIX ?= /usr/local
+# ThreadSanitizer wants the fixed layout of addresses; where a container forbids that, we go without.
+FIXED_LAYOUT := $(shell setarch -R true 2>/dev/null && echo setarch -R)
+export CCACHE_SLOPPINESS = pch_defines,time_macros
+
+# $(call configured,preset): CMake's own rules notice changed build files; only the presets are ours to watch.
+configured = @test build/$(1)/build.ninja -nt CMakePresets.json || cmake --preset $(1)
+
+.PHONY: help
+help: ## this list
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-12s %s\n", $$1, $$2}' $(firstword $(MAKEFILE_LIST))
+
+.PHONY: demo
+demo: ## a local collector and a small host, from the first event to the confirmed upload
+	@Scripts/install-dependencies build test
+	$(call configured,release)
+	@cmake --build --preset release --target tallyfoot
+	@build/release/Sources/CommandLine/tallyfoot demo
+
+.PHONY: test
+test: ## build with g++ and run all tests
+	@Scripts/install-dependencies build test
+	$(call configured,release)
+	@cmake --build --preset release
+	@ctest --preset release --parallel $(JOBS)
+
+.PHONY: check check-format check-layering check-warnings check-tidy
+check: check-format check-layering check-warnings check-tidy ## formatting, layering, warnings as errors with both compilers, clang-tidy
+	@echo "All checks passed."
+
+check-format:
+	@Scripts/install-dependencies build test check
+	@Scripts/check-format
+
+check-layering:
+	@Scripts/install-dependencies test
+	@Scripts/check-layering
+
+check-warnings:
+	@Scripts/install-dependencies build test check
+	$(call configured,release)
+	@cmake --build --preset release
+	$(call configured,clang)
+	@cmake --build --preset clang
+	@cmake --build --preset clang --target all_verify_interface_header_sets
+
+check-tidy:
+	@Scripts/install-dependencies build test check
+	$(call configured,clang)
+	@Scripts/check-tidy build/clang $(JOBS)
+
+.PHONY: format
+format: ## lay out all sources the one way
+	@Scripts/install-dependencies test check
+	@Scripts/check-format --fix
+
+.PHONY: test-asan test-tsan
+test-asan: ## all tests under AddressSanitizer and UndefinedBehaviorSanitizer
+	@Scripts/install-dependencies build test sanitize
+	$(call configured,asan)
+	@cmake --build --preset asan
+	@ctest --preset asan --parallel $(JOBS)
+
+test-tsan: ## all tests under ThreadSanitizer
+	@Scripts/install-dependencies build test sanitize
+	$(call configured,tsan)
+	@$(FIXED_LAYOUT) cmake --build --preset tsan
+	@$(FIXED_LAYOUT) ctest --preset tsan --parallel $(JOBS)
+
+.PHONY: bench
+bench: ## the ratios that the library promises, measured here
+	@Scripts/install-dependencies build bench
+	$(call configured,bench)
+	@cmake --build --preset bench
+	@Scripts/run-benchmarks build/bench
+
+.PHONY: fuzz-short
+fuzz-short: ## half a minute of fuzzing for each target
+	@Scripts/install-dependencies build test check
+	$(call configured,clang)
+	@cmake --build --preset clang
+	@Scripts/run-fuzzers build/clang 30
+
+.PHONY: install
+install: ## the library, its package files and the tool, below PREFIX (/usr/local)
+	@Scripts/install-dependencies build test
+	$(call configured,release)
+	@cmake --build --preset release --target all
+	@cmake --install build/release --prefix $(PREFIX)
+
+.PHONY: clean
+clean: ## remove everything that was built
+	@rm -rf build
