@@ -1,0 +1,79 @@
+#include "Tallyfoot/Platform/Posix/PosixFileHandle.h"
+
+#include "Tallyfoot/Platform/Posix/SystemError.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstddef>
+
+namespace tallyfoot {
+
+PosixFileHandle::PosixFileHandle(FileDescriptor descriptor, std::string path)
+    : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+
+Result<void> PosixFileHandle::append(std::string_view bytes) {
+    if (bytes.empty()) return {};
+    const auto count = retrying([&] { return ::write(descriptor_.number(), bytes.data(), bytes.size()); });
+    if (count == static_cast<ssize_t>(bytes.size())) return {};
+    if (count < 0) return systemError("write", path_, errno);
+    return appendRest(bytes, static_cast<std::size_t>(count));
+}
+
+// The system took only a part: the disk is full, a limit was met or a signal came.
+Result<void> PosixFileHandle::appendRest(std::string_view bytes, std::size_t written) {
+    const int file = descriptor_.number();
+    // An append leaves the offset at its own end, so that the start follows without having been kept.
+    off_t end = ::lseek(file, 0, SEEK_CUR);
+    const off_t start = end - static_cast<off_t>(written);
+    int failure = 0;
+    while (written < bytes.size()) {
+        const auto rest = bytes.substr(written);
+        const auto count = retrying([&] { return ::write(file, rest.data(), rest.size()); });
+        if (count <= 0) {
+            failure = count < 0 ? errno : ENOSPC;
+            break;
+        }
+        written += static_cast<std::size_t>(count);
+        end = ::lseek(file, 0, SEEK_CUR);
+    }
+    if (failure == 0) return {};
+
+    // Cut off only what is ours: if anybody else has appended meanwhile, their bytes stay.
+    struct stat now {};
+
+    const bool isOurs = start >= 0 && end == start + static_cast<off_t>(written);
+    if (isOurs && ::fstat(file, &now) == 0 && now.st_size == end)
+        (void)retrying([&] { return ::ftruncate(file, start); });
+    return systemError("write", path_, failure);
+}
+
+Result<FileStatus> PosixFileHandle::status() const {
+    struct statx answer {};
+
+    if (::statx(descriptor_.number(), "", AT_EMPTY_PATH, STATX_SIZE | STATX_NLINK, &answer) != 0)
+        return systemError("examine", path_, errno);
+    return FileStatus{answer.stx_size, answer.stx_nlink != 0};
+}
+
+Result<std::size_t> PosixFileHandle::read(std::uint64_t offset, std::span<char> buffer) const {
+    std::size_t done = 0;
+    while (done < buffer.size()) {
+        const auto rest = buffer.subspan(done);
+        const auto count = retrying(
+            [&] { return ::pread(descriptor_.number(), rest.data(), rest.size(), static_cast<off_t>(offset + done)); });
+        if (count < 0) return systemError("read", path_, errno);
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+Result<void> PosixFileHandle::truncate(std::uint64_t size) {
+    if (retrying([&] { return ::ftruncate(descriptor_.number(), static_cast<off_t>(size)); }) != 0)
+        return systemError("truncate", path_, errno);
+    return {};
+}
+
+} // namespace tallyfoot

@@ -1,0 +1,166 @@
+#include "Support/TemporaryFolder.h"
+
+#include "Tallyfoot/Platform/Posix/PosixConsole.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <map>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tallyfoot::testing {
+
+namespace {
+
+class Pipe {
+public:
+    explicit Pipe(int flags = 0) { EXPECT_EQ(::pipe2(ends_.data(), flags | O_CLOEXEC), 0); }
+
+    ~Pipe() {
+        closeReader();
+        closeWriter();
+    }
+
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    int writer() const { return ends_[1]; }
+
+    void closeReader() { close(ends_[0]); }
+
+    void closeWriter() { close(ends_[1]); }
+
+    std::string readSome() const {
+        std::string bytes(1U << 16U, '\0');
+        const auto count = ::read(ends_[0], bytes.data(), bytes.size());
+        bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return bytes;
+    }
+
+    std::string readAll() const { // until every writer has closed
+        std::string all;
+        for (auto piece = readSome(); !piece.empty(); piece = readSome()) all += piece;
+        return all;
+    }
+
+private:
+    static void close(int& end) {
+        if (end >= 0) ::close(end);
+        end = -1;
+    }
+
+    std::array<int, 2> ends_{-1, -1};
+};
+
+TEST(PosixConsole, WritesToStandardOutput) {
+    Pipe pipe;
+    const int kept = ::dup(STDOUT_FILENO);
+    ASSERT_GE(::dup2(pipe.writer(), STDOUT_FILENO), 0);
+    PosixConsole().write("\"one line\"\n");
+    ASSERT_GE(::dup2(kept, STDOUT_FILENO), 0);
+    ::close(kept);
+    pipe.closeWriter();
+    EXPECT_EQ(pipe.readAll(), "\"one line\"\n");
+}
+
+TEST(PosixConsole, LinesOfSeveralThreadsNeverMix) {
+    Pipe pipe;
+    constexpr int threads = 4;
+    constexpr int linesEach = 200;
+    constexpr std::size_t length = 10'000; // more than a pipe takes in one piece
+    std::vector<std::thread> writers;
+    for (int index = 0; index < threads; ++index)
+        writers.emplace_back([&pipe, index] {
+            PosixConsole console(pipe.writer());
+            const auto line = std::string(length, static_cast<char>('a' + index)) + '\n';
+            for (int count = 0; count < linesEach; ++count) console.write(line);
+        });
+    std::thread closer([&] {
+        for (auto& writer : writers) writer.join();
+        pipe.closeWriter();
+    });
+    std::istringstream all(pipe.readAll());
+    closer.join();
+
+    std::map<std::string, int> lines;
+    for (std::string line; std::getline(all, line);) ++lines[line];
+    EXPECT_EQ(lines.size(), static_cast<std::size_t>(threads));
+    for (int index = 0; index < threads; ++index)
+        EXPECT_EQ(lines[std::string(length, static_cast<char>('a' + index))], linesEach);
+}
+
+std::atomic<int> pipeSignals{0};
+
+TEST(PosixConsole, AReaderThatWentAwayRaisesNoSignal) {
+    ASSERT_NE(::signal(SIGPIPE, [](int) { ++pipeSignals; }), SIG_ERR);
+    Pipe pipe;
+    pipe.closeReader();
+    PosixConsole console(pipe.writer());
+    console.write("nobody reads this\n");
+    console.write("nor this\n");
+    EXPECT_EQ(pipeSignals, 0);
+    sigset_t pending;
+    ASSERT_EQ(::sigpending(&pending), 0);
+    EXPECT_EQ(::sigismember(&pending, SIGPIPE), 0);
+}
+
+TEST(PosixConsole, ASignalThatTheHostHadWaitingStaysWaiting) {
+    sigset_t pipeSet;
+    ::sigemptyset(&pipeSet);
+    ::sigaddset(&pipeSet, SIGPIPE);
+    ASSERT_EQ(::pthread_sigmask(SIG_BLOCK, &pipeSet, nullptr), 0);
+    ASSERT_EQ(::raise(SIGPIPE), 0);
+    Pipe pipe;
+    pipe.closeReader();
+    PosixConsole(pipe.writer()).write("nobody reads this\n");
+    sigset_t pending;
+    ASSERT_EQ(::sigpending(&pending), 0);
+    EXPECT_EQ(::sigismember(&pending, SIGPIPE), 1);
+}
+
+TEST(PosixConsole, AnOutputThatTakesNothingLosesTheTextSoon) {
+    Pipe pipe(O_NONBLOCK);
+    PosixConsole console(pipe.writer());
+    const std::string block = std::string(100'000, 'x') + '\n'; // more than the pipe holds
+    const auto start = std::chrono::steady_clock::now();
+    for (int count = 0; count < 3; ++count) console.write(block);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+
+    std::string before = pipe.readSome();
+    EXPECT_LT(before.size(), block.size());
+    console.write("the next line\n");
+    EXPECT_EQ(pipe.readSome(), "\nthe next line\n"); // not on the torn line
+    console.write("and another\n");
+    EXPECT_EQ(pipe.readSome(), "and another\n");
+}
+
+TEST(PosixConsole, ASlowReaderOfANonBlockingPipeGetsEverythingItMakesRoomFor) {
+    Pipe pipe(O_NONBLOCK);
+    ASSERT_EQ(::fcntl(pipe.writer(), F_SETPIPE_SZ, 4096), 4096);
+    PosixConsole console(pipe.writer());
+    console.write(std::string(4096, 'a'));
+    EXPECT_EQ(pipe.readSome().size(), 4096U);
+    console.write(std::string(4096, 'b'));
+    EXPECT_EQ(pipe.readSome(), std::string(4096, 'b'));
+}
+
+TEST(PosixConsole, AClosedDescriptorLosesTheText) {
+    Pipe pipe;
+    const int number = pipe.writer();
+    pipe.closeWriter();
+    errno = 0;
+    PosixConsole(number).write("lost\n");
+    EXPECT_EQ(errno, 0);
+}
+
+} // namespace
+
+} // namespace tallyfoot::testing

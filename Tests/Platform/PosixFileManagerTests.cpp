@@ -1,0 +1,202 @@
+#include "Support/TemporaryFolder.h"
+
+#include "Tallyfoot/Platform/Posix/PosixFileManager.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+
+namespace tallyfoot::testing {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::UnorderedElementsAre;
+
+// Files of this process grow to the limit and no further, as on a full disk.
+void limitFileSize(rlim_t bytes) {
+    ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR);
+    const rlimit limit{bytes, RLIM_INFINITY};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+}
+
+TEST(PosixFileHandle, AnAppendThatDoesNotFitLeavesTheFileAsItWas) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "0123456789");
+    PosixFileManager files;
+    auto handle = files.fileHandleForWriting(folder / "a");
+    ASSERT_TRUE(handle);
+    ASSERT_TRUE(handle.value()->append("first"));
+    limitFileSize(20);
+    const auto appended = handle.value()->append("too long for the file");
+    ASSERT_FALSE(appended);
+    EXPECT_THAT(appended.error().description, HasSubstr("File too large"));
+    EXPECT_EQ(readFile(folder / "a"), "0123456789first");
+    EXPECT_TRUE(handle.value()->append("fits!"));
+    EXPECT_EQ(readFile(folder / "a"), "0123456789firstfits!");
+}
+
+TEST(PosixFileHandle, TheFirstAppendOfAHandleIsWholeOrNotAtAllToo) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "0123456789");
+    PosixFileManager files;
+    auto handle = files.fileHandleForWriting(folder / "a");
+    ASSERT_TRUE(handle);
+    limitFileSize(15);
+    EXPECT_FALSE(handle.value()->append("too long"));
+    EXPECT_EQ(readFile(folder / "a"), "0123456789");
+}
+
+TEST(PosixFileHandle, AFailedTruncateIsReported) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "0123456789");
+    PosixFileManager files;
+    auto handle = files.fileHandleForWriting(folder / "a");
+    ASSERT_TRUE(handle);
+    limitFileSize(15);
+    EXPECT_FALSE(handle.value()->truncate(16));
+    EXPECT_EQ(readFile(folder / "a"), "0123456789");
+}
+
+TEST(PosixFileManager, AWriteThatDoesNotFitKeepsTheOldFileAndLeavesNothingBeside) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "old");
+    limitFileSize(100);
+    PosixFileManager files;
+    EXPECT_FALSE(files.writeAtomically(folder / "a", std::string(101, 'x')));
+    EXPECT_EQ(readFile(folder / "a"), "old");
+    EXPECT_THAT(files.contentsOfDirectory(folder.path().string()).value(), UnorderedElementsAre("a"));
+}
+
+TEST(PosixFileManager, ANamedPipeIsRefusedAndNotWaitedFor) {
+    TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    PosixFileManager files;
+    EXPECT_FALSE(files.contents(folder / "pipe"));
+    EXPECT_FALSE(files.fileHandleForWriting(folder / "pipe"));
+    EXPECT_TRUE(files.fileExists(folder / "pipe"));
+    EXPECT_TRUE(files.removeItem(folder / "pipe"));
+}
+
+TEST(PosixFileManager, ReadsAFileWhoseSizeIsNotKnownBeforehand) {
+    EXPECT_THAT(PosixFileManager().contents("/proc/self/status").value(), HasSubstr("Pid:"));
+}
+
+TEST(PosixFileManager, WhatItCreatesIsForTheUserAlone) {
+    TemporaryFolder folder;
+    PosixFileManager files;
+    ASSERT_TRUE(files.createDirectory(folder / "a"));
+    ASSERT_TRUE(files.writeAtomically(folder / "a/b", "1"));
+
+    struct stat status {};
+
+    ASSERT_EQ(::stat((folder / "a").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0077U, 0U);
+    ASSERT_EQ(::stat((folder / "a/b").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0077U, 0U);
+}
+
+TEST(PosixFileManager, HandlesAreNotInherited) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "");
+    const int next = ::open("/dev/null", O_RDONLY | O_CLOEXEC); // the number that the handle will get
+    ::close(next);
+    PosixFileManager files;
+    auto handle = files.fileHandleForWriting(folder / "a");
+    ASSERT_TRUE(handle);
+    EXPECT_EQ(::fcntl(next, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+// What only a user without privileges can meet is done in a child that gives them up.
+void asOrdinaryUser(const TemporaryFolder& folder, const std::function<bool()>& check) {
+    if (::getuid() != 0) {
+        EXPECT_TRUE(check());
+        return;
+    }
+    ASSERT_EQ(::chown(folder.path().c_str(), 65534, 65534), 0);
+    const auto child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) ::_exit(::setgid(65534) == 0 && ::setuid(65534) == 0 && check() ? 0 : 1);
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(PosixFileManager, SubpathsLeaveOutWhatCannotBeEntered) {
+    TemporaryFolder folder;
+    asOrdinaryUser(folder, [&] {
+        PosixFileManager files;
+        if (!files.createDirectory(folder / "open/inner") || !files.createDirectory(folder / "closed/inner"))
+            return false;
+        std::filesystem::permissions(folder / "closed", std::filesystem::perms::none);
+        auto subpaths = files.subpathsOfDirectory(folder.path().string()).value();
+        std::filesystem::permissions(folder / "closed", std::filesystem::perms::owner_all);
+        return ::testing::Matches(UnorderedElementsAre("open", "open/inner", "closed"))(subpaths);
+    });
+}
+
+TEST(PosixFileManager, RemovalTakesWhatItCanAndReportsTheRest) {
+    TemporaryFolder folder;
+    asOrdinaryUser(folder, [&] {
+        PosixFileManager files;
+        if (!files.createDirectory(folder / "top/closed/inner") || !files.createDirectory(folder / "top/open/inner"))
+            return false;
+        std::filesystem::permissions(folder / "top/closed", std::filesystem::perms::none);
+        const auto removed = files.removeItem(folder / "top");
+        std::filesystem::permissions(folder / "top/closed", std::filesystem::perms::owner_all);
+        return !removed && removed.error().description.find("closed") != std::string::npos
+               && files.directoryExists(folder / "top/closed/inner") && !files.fileExists(folder / "top/open");
+    });
+}
+
+TEST(PosixFileManager, ApplicationSupportFollowsTheDataHome) {
+    ::setenv("XDG_DATA_HOME", "/data/home", 1);
+    ::setenv("HOME", "/home/user", 1);
+    EXPECT_EQ(PosixFileManager().applicationSupportDirectory(), "/data/home");
+}
+
+TEST(PosixFileManager, ARelativeDataHomeCountsAsUnset) {
+    ::setenv("XDG_DATA_HOME", "data", 1);
+    ::setenv("HOME", "/home/user", 1);
+    EXPECT_EQ(PosixFileManager().applicationSupportDirectory(), "/home/user/.local/share");
+    ::setenv("XDG_DATA_HOME", "", 1);
+    EXPECT_EQ(PosixFileManager().applicationSupportDirectory(), "/home/user/.local/share");
+}
+
+TEST(PosixFileManager, WithoutAHomeThePasswdEntryTells) {
+    ::unsetenv("XDG_DATA_HOME");
+    ::setenv("HOME", "relative", 1);
+    const auto found = PosixFileManager().applicationSupportDirectory();
+    const passwd* entry = ::getpwuid(::getuid());
+    if (entry == nullptr) GTEST_SKIP() << "this user has no passwd entry";
+    ASSERT_TRUE(found);
+    EXPECT_EQ(std::filesystem::path(*found), std::filesystem::path(entry->pw_dir) / ".local/share");
+}
+
+TEST(PosixFileManager, WithoutAnyHomeThereIsNoApplicationSupport) {
+    if (::getuid() != 0) GTEST_SKIP() << "only root can become a user without a passwd entry";
+    const auto child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::unsetenv("XDG_DATA_HOME");
+        ::unsetenv("HOME");
+        ::_exit(::setuid(3'000'000'000U) == 0 && !PosixFileManager().applicationSupportDirectory() ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+} // namespace
+
+} // namespace tallyfoot::testing
