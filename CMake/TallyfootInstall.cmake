@@ -1,0 +1,31 @@
+# The installed package: libraries, public headers, CMake and pkg-config files. It can be moved as a whole.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(tallyfoot_package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/Tallyfoot")
+set(generated "${PROJECT_BINARY_DIR}/package")
+
+# Two sets, so that whoever links the shared library needs none of what the archive needs.
+install(TARGETS Tallyfoot EXPORT TallyfootTargets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(TARGETS TallyfootStatic EXPORT TallyfootStaticTargets
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+foreach(set TallyfootTargets TallyfootStaticTargets)
+  install(EXPORT ${set} NAMESPACE Tallyfoot:: DESTINATION "${tallyfoot_package_folder}")
+endforeach()
+
+configure_package_config_file(
+  "${CMAKE_CURRENT_LIST_DIR}/TallyfootConfig.cmake.in" "${generated}/TallyfootConfig.cmake"
+  INSTALL_DESTINATION "${tallyfoot_package_folder}")
+write_basic_package_version_file("${generated}/TallyfootConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${generated}/TallyfootConfig.cmake" "${generated}/TallyfootConfigVersion.cmake"
+  DESTINATION "${tallyfoot_package_folder}")
+
+# Relative to where the file lies, so that neither --prefix nor a move makes it wrong.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE libdir)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE includedir)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" OUTPUT_VARIABLE up)
+configure_file("${CMAKE_CURRENT_LIST_DIR}/Tallyfoot.pc.in" "${generated}/Tallyfoot.pc" @ONLY)
+install(FILES "${generated}/Tallyfoot.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
