@@ -19,8 +19,8 @@ public:
     constexpr Unit unit() const noexcept { return unit_; }
     constexpr std::int64_t count() const noexcept { return count_; }
 
-    double timeInterval() const noexcept;                // seconds; never is the largest finite double
-    std::chrono::nanoseconds duration() const noexcept;  // clamped to what nanoseconds hold; never is max()
+    double timeInterval() const noexcept;               // seconds; never is the largest finite double
+    std::chrono::nanoseconds duration() const noexcept; // clamped to what nanoseconds hold; never is max()
 
     bool operator==(const DispatchTimeInterval&) const = default;
 

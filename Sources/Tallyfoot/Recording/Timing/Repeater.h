@@ -2,8 +2,10 @@
 
 #include "Tallyfoot/Platform/Dispatch.h"
 #include "Tallyfoot/Platform/Mutex.h"
+#include "Tallyfoot/Recording/Timing/ObserverIDs.h"
 #include "Tallyfoot/Recording/Timing/RepeaterInterval.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -30,6 +32,7 @@ public:
 
         bool isInfinite() const noexcept { return kind_ == Kind::infinite; }
         bool isOnce() const noexcept { return kind_ == Kind::once; }
+
         std::optional<std::int64_t> countIterations() const noexcept {
             return kind_ == Kind::finite ? std::optional(count_) : std::nullopt;
         }
@@ -64,16 +67,52 @@ public:
     void remove(ObserverID observer);
     void removeAllObservers(bool thenStop); // stopping pauses, it does not finish
 
-    bool start();  // false when it runs already; a finished one starts over
-    bool pause();  // false when it is paused or finished
+    bool start(); // false when it runs already; a finished one starts over
+    bool pause(); // false when it is paused or finished
     void reset(std::optional<Interval> interval, bool restart);
     void fire(bool andPause); // one tick at once, on the caller's thread
 
 private:
-    // (the implementer of this room shapes what follows)
+    Repeater(Dispatch& dispatch, Interval interval, Mode mode, DispatchTimeInterval tolerance,
+             std::shared_ptr<DispatchQueue> queue);
+
+    void tick(std::optional<std::uint64_t> source); // none: by hand
+    void announceRunning();
+    void notify(State state);
+
+    // The platform's calls on the timer neither wait nor call out, so they are made under the lock:
+    // only so do its suspensions stay balanced whoever calls when.
+    bool begin(std::optional<std::uint64_t> source) TALLYFOOT_REQUIRES(mutex_);
+    bool finish() TALLYFOOT_REQUIRES(mutex_);
+    bool change(State expected, State state) TALLYFOOT_REQUIRES(mutex_);
+    void buildTimer() TALLYFOOT_REQUIRES(mutex_);
+    void destroyTimer() TALLYFOOT_REQUIRES(mutex_);
+    void schedule(std::chrono::nanoseconds deadline) TALLYFOOT_REQUIRES(mutex_);
+    void suspendTimer() TALLYFOOT_REQUIRES(mutex_);
+    void resumeTimer() TALLYFOOT_REQUIRES(mutex_);
+
+    Dispatch& dispatch_;
+    const Mode mode_;
+    const DispatchTimeInterval tolerance_;
+    const std::shared_ptr<DispatchQueue> queue_;
+
+    mutable Mutex mutex_;
+    State state_ TALLYFOOT_GUARDED_BY(mutex_) = State::paused;
+    std::shared_ptr<StateListener> onStateChanged_ TALLYFOOT_GUARDED_BY(mutex_);
+    std::map<ObserverID, std::shared_ptr<Observer>> observers_ TALLYFOOT_GUARDED_BY(mutex_);
+    ObserverIDs observerIDs_ TALLYFOOT_GUARDED_BY(mutex_);
+    std::optional<std::int64_t> remainingIterations_ TALLYFOOT_GUARDED_BY(mutex_);
+    Interval interval_ TALLYFOOT_GUARDED_BY(mutex_);
+
+    std::unique_ptr<DispatchSourceTimer> timer_ TALLYFOOT_GUARDED_BY(mutex_);
+    bool isSuspended_ TALLYFOOT_GUARDED_BY(mutex_) = true;
+    std::uint64_t timerNumber_ TALLYFOOT_GUARDED_BY(mutex_) = 0; // tells a late tick of a former timer
+    // When the timer has nothing more to give, this is what the next resume schedules it for.
+    std::optional<std::chrono::nanoseconds> nextDeadline_ TALLYFOOT_GUARDED_BY(mutex_);
 };
 
 std::string_view description(Repeater::State state) noexcept;
+
 constexpr bool isRunning(Repeater::State state) noexcept {
     return state == Repeater::State::running || state == Repeater::State::executing;
 }
