@@ -2,6 +2,8 @@
 
 #include "Tallyfoot/Platform/Clock.h"
 #include "Tallyfoot/Platform/DebugConsole.h"
+#include "Tallyfoot/Platform/Dispatch.h"
+#include "Tallyfoot/Platform/Mutex.h"
 #include "Tallyfoot/Platform/UserDefaults.h"
 #include "Tallyfoot/Recording/Timing/Debouncer.h"
 #include "Tallyfoot/Recording/Timing/Repeater.h"
@@ -28,15 +30,33 @@ public:
 
     void start();   // once, right after making it
     void restart(); // a full period from now
-    // A period that had already ended when the monitor started is told to the trigger set here.
+    // A period that ended before a trigger was set is told to it at once, on the caller's thread.
     void setTriggerUpload(std::function<void()> trigger);
-    // No tick begins after it. A monitor that is replaced is stopped, or its timers would live on.
+    // No tick begins after it, and a restart does nothing. Releasing the monitor stops it, too, but
+    // a tick under way may still hold it: whoever replaces a monitor stops it.
     void stop();
 
     void setDebugTimerEnabled(bool isEnabled); // the countdown on the console; off
 
 private:
-    // (the implementer of this room shapes what follows)
+    FrequencyMonitor(Collaborators collaborators, Repeater::Interval frequency);
+
+    void tick();
+    void waitForRest(double seconds);
+    void countDown(double seconds);
+    std::function<void()> weakTick();
+
+    const Collaborators collaborators_;
+    const Repeater::Interval frequency_;
+
+    Mutex mutex_;
+    std::shared_ptr<Repeater> repeater_ TALLYFOOT_GUARDED_BY(mutex_);   // the rest of a period begun earlier
+    std::shared_ptr<Debouncer> debouncer_ TALLYFOOT_GUARDED_BY(mutex_); // a full period
+    std::shared_ptr<Repeater> debugTimer_ TALLYFOOT_GUARDED_BY(mutex_); // the countdown
+    std::shared_ptr<std::function<void()>> triggerUpload_ TALLYFOOT_GUARDED_BY(mutex_);
+    bool isDebugTimerEnabled_ TALLYFOOT_GUARDED_BY(mutex_) = false;
+    bool isStopped_ TALLYFOOT_GUARDED_BY(mutex_) = false;
+    bool isTriggerOwed_ TALLYFOOT_GUARDED_BY(mutex_) = false; // a period ended before a trigger was set
 };
 
 } // namespace tallyfoot
