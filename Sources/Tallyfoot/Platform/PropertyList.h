@@ -8,7 +8,8 @@
 
 namespace tallyfoot {
 
-// A property-list value. Dates and nulls, which nothing here needs, read as no value at all.
+// A property-list value. A date reads as its seconds since the first of January 2001, a unique id
+// as the dictionary {"CF$UID": n}, which is how XML writes it; and that dictionary is written as one.
 struct PropertyList {
     struct Data {
         std::string bytes;

@@ -12,6 +12,9 @@ class Screen {
 public:
     virtual ~Screen() = default;
     virtual ScreenBounds bounds() const = 0;
+
+    // The host's word where the platform knows none; ignored where it does.
+    virtual void setBounds(ScreenBounds) {}
 };
 
 } // namespace tallyfoot

@@ -12,6 +12,8 @@ class Coder;
 // Who the host application is. Fixed once made.
 class TALLYFOOT_EXPORT ApplicationInfo {
 public:
+    static constexpr const char* archiveClassName = "ApplicationInfo";
+
     // Without a name, or with none given, the main bundle's "CFBundleName" is used.
     ApplicationInfo(std::optional<std::string> appName, std::string appId, std::string bizArea, std::string bizAreaId);
     ApplicationInfo(std::string appId, std::string bizArea, std::string bizAreaId);
@@ -22,8 +24,11 @@ public:
     void encode(Coder& coder) const;
 
     const std::string& appName() const noexcept { return appName_; }
+
     const std::string& appId() const noexcept { return appId_; }
+
     const std::string& bizArea() const noexcept { return bizArea_; }
+
     const std::string& bizAreaId() const noexcept { return bizAreaId_; }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Export.h"
 #include "Tallyfoot/Facade/Configuration/Endpoint.h"
+#include "Tallyfoot/Platform/PropertyList.h"
 
 #include <memory>
 #include <optional>
@@ -28,6 +29,9 @@ public:
 
     std::string uploadPath() const; // "no such path" until an endpoint was resolved
     void setUploadPath(std::string path);
+
+    // The property list as it was last found; none before, and none when that file was unreadable.
+    std::optional<PropertyList::Dictionary> environmentDict() const;
 
 private:
     struct State;

@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Export.h"
 #include "Tallyfoot/Facade/Configuration/Size.h"
+#include "Tallyfoot/Platform/Exclusive.h"
 #include "Tallyfoot/Recording/Timing/RepeaterInterval.h"
 
 #include <cstdint>
@@ -25,19 +26,24 @@ public:
     static std::string fixedUploadPath();
 
     RepeaterInterval frequency() const noexcept { return frequency_; } // always in seconds
-    Size fileSize() const noexcept { return fileSize_; }               // always in bytes; a file this large is closed
+
+    Size fileSize() const noexcept { return fileSize_; } // always in bytes; a file this large is closed
+
     std::int64_t eventsCount() const noexcept { return eventsCount_; } // more than this many trigger an upload
-    Size storageSize() const noexcept { return storageSize_; }         // always in bytes; the waiting files' budget
+
+    Size storageSize() const noexcept { return storageSize_; } // always in bytes; the waiting files' budget
 
     std::optional<std::string> uploadPath() const; // none: the environment's
     void setUploadPath(std::optional<std::string> path);
 
 private:
-    // (the implementer of this room shapes what follows)
+    UploadConfiguration(double seconds, std::int64_t eventsCount, Size size, std::optional<std::string> uploadPath);
+
     RepeaterInterval frequency_;
     Size fileSize_;
     std::int64_t eventsCount_;
     Size storageSize_;
+    Exclusive<std::optional<std::string>> uploadPath_;
 };
 
 } // namespace tallyfoot

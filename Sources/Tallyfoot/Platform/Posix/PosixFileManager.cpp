@@ -1,19 +1,18 @@
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
 
 #include "Tallyfoot/Platform/Posix/FileDescriptor.h"
+#include "Tallyfoot/Platform/Posix/HomeFolder.h"
 #include "Tallyfoot/Platform/Posix/PosixFileHandle.h"
 #include "Tallyfoot/Platform/Posix/SystemError.h"
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <new>
 
 namespace tallyfoot {
@@ -149,20 +148,6 @@ std::string temporaryName() {
     return ".tallyfoot-" + std::to_string(::getpid()) + "-" + std::to_string(counter.fetch_add(1)) + ".tmp";
 }
 
-std::optional<std::string> absolute(const char* path) {
-    if (path == nullptr || *path != '/') return std::nullopt;
-    return path;
-}
-
-std::optional<std::string> passwordHome() {
-    std::vector<char> buffer(1U << 14U);
-    passwd entry{};
-    passwd* found = nullptr;
-    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
-        return std::nullopt;
-    return absolute(found->pw_dir);
-}
-
 // Removes a folder's entries and the folder, deepest first, by a list instead of recursion. A folder
 // in which something had to stay is met a second time and then given up.
 class Removal {
@@ -220,9 +205,8 @@ private:
 } // namespace
 
 std::optional<std::string> PosixFileManager::applicationSupportDirectory() const {
-    if (auto data = absolute(std::getenv("XDG_DATA_HOME"))) return data;
-    auto home = absolute(std::getenv("HOME"));
-    if (!home) home = passwordHome();
+    if (auto data = pathVariable("XDG_DATA_HOME")) return data;
+    const auto home = homeFolder();
     if (!home) return std::nullopt;
     return joined(*home, ".local/share");
 }

@@ -1,0 +1,38 @@
+#include "Tallyfoot/Platform/PlatformServices.h"
+#include "Tallyfoot/Platform/Posix/PosixBundles.h"
+#include "Tallyfoot/Platform/Posix/PosixClock.h"
+#include "Tallyfoot/Platform/Posix/PosixConsole.h"
+#include "Tallyfoot/Platform/Posix/PosixFileManager.h"
+#include "Tallyfoot/Platform/Posix/PosixNetworkInterfaces.h"
+#include "Tallyfoot/Platform/Posix/PosixProcessInfo.h"
+#include "Tallyfoot/Platform/Posix/PosixPropertyLists.h"
+#include "Tallyfoot/Platform/Posix/PosixRandom.h"
+#include "Tallyfoot/Platform/Posix/PosixScreen.h"
+
+namespace tallyfoot {
+
+namespace {
+
+PlatformServices posixPlatformServices() {
+    PlatformServices services;
+    const auto propertyLists = std::make_shared<PosixPropertyLists>();
+    services.bundles = std::make_shared<PosixBundles>(propertyLists);
+    services.clock = std::make_shared<PosixClock>();
+    services.console = std::make_shared<PosixConsole>();
+    services.fileManager = std::make_shared<PosixFileManager>();
+    services.networkInterfaces = std::make_shared<PosixNetworkInterfaces>();
+    services.processInfo = std::make_shared<PosixProcessInfo>();
+    services.propertyLists = propertyLists;
+    services.random = std::make_shared<PosixRandom>();
+    services.screen = std::make_shared<PosixScreen>();
+    return services;
+}
+
+} // namespace
+
+const PlatformServices& defaultPlatformServices() {
+    static const auto& services = *new PlatformServices(posixPlatformServices());
+    return services;
+}
+
+} // namespace tallyfoot
