@@ -30,7 +30,9 @@ public:
     static Attributes fromTexts(const TextAttributes& texts);
 
     bool empty() const noexcept { return present_ == 0; }
+
     std::size_t size() const noexcept { return static_cast<std::size_t>(std::popcount(present_)); }
+
     bool contains(LogAttribute key) const noexcept { return (present_ & bit(key)) != 0; }
 
     // The value, or nullptr when there is none.
@@ -38,7 +40,9 @@ public:
 
     void set(LogAttribute key, std::string_view text);
     void set(LogAttribute key, std::string&& text);
+
     void set(LogAttribute key, const char* text) { set(key, std::string_view(text)); }
+
     void remove(LogAttribute key);
 
     // Adds every entry of the other; on a key in both the other's value wins.
@@ -57,6 +61,7 @@ public:
 
 private:
     static constexpr std::size_t index(LogAttribute key) noexcept { return static_cast<std::size_t>(key); }
+
     static constexpr std::uint32_t bit(LogAttribute key) noexcept { return std::uint32_t{1} << index(key); }
 
     std::uint32_t present_ = 0;

@@ -16,24 +16,41 @@ namespace tallyfoot {
 class CustomAttributes;
 class CustomArray;
 
+template <class Type>
+concept CharacterType = std::same_as<Type, char> || std::same_as<Type, wchar_t> || std::same_as<
+    Type, char8_t> || std::same_as<Type, char16_t> || std::same_as<Type, char32_t>;
+
 // One value of a custom dictionary: a text, number, truth value, null, array or dictionary.
 class TALLYFOOT_EXPORT CustomValue {
 public:
-    CustomValue(const char* text) : CustomValue(std::string_view(text)) {} // NOLINT: braces convert, all of these
+    CustomValue(const char* text); // NOLINT: braces convert, all of these; nullptr is null
+
     CustomValue(const std::string& text) : CustomValue(std::string_view(text)) {} // NOLINT
-    CustomValue(std::string_view text);                                    // NOLINT
-    CustomValue(std::nullptr_t);                                           // NOLINT
+
+    CustomValue(std::string_view text); // NOLINT
+    CustomValue(std::nullptr_t);        // NOLINT
+
     template <std::same_as<bool> Truth>
     CustomValue(Truth truth) : CustomValue(fromTruth(truth)) {} // NOLINT
+
     template <std::signed_integral Number>
-    CustomValue(Number number) : CustomValue(fromInteger(number)) {} // NOLINT
+
+    requires(!CharacterType<Number>) CustomValue(Number number) : CustomValue(fromInteger(number)) {} // NOLINT
+
     template <std::unsigned_integral Number>
-        requires(!std::same_as<Number, bool>)
-    CustomValue(Number number) : CustomValue(fromUnsigned(number)) {} // NOLINT
+
+    requires(!std::same_as<Number, bool> && !CharacterType<Number>) CustomValue(Number number)
+        : CustomValue(fromUnsigned(number)) {} // NOLINT
+
+    template <CharacterType Character>
+    CustomValue(Character) = delete; // a text ("A") or a number (65): the caller says which
+
     template <std::floating_point Number>
     CustomValue(Number number) : CustomValue(fromReal(static_cast<double>(number))) {} // NOLINT
+
     CustomValue(const CustomArray& array);           // NOLINT
     CustomValue(const CustomAttributes& dictionary); // NOLINT
+
     template <std::same_as<nlohmann::json> JSON>
     CustomValue(const JSON& value) : CustomValue(fromJSON(value)) {} // NOLINT
 
@@ -55,7 +72,9 @@ private:
     friend class CustomArray;
 };
 
-// An array inside custom data: {"tags", CustomArray{"new", 7}}.
+// An array inside custom data: {"tags", CustomArray{"new", 7}}. An array of nothing but one array is
+// CustomArray{CustomValue(CustomArray{…})}: without the name of the value in between compilers differ
+// in whether that is a copy.
 class TALLYFOOT_EXPORT CustomArray {
 public:
     CustomArray(std::initializer_list<CustomValue> values); // NOLINT
@@ -68,8 +87,8 @@ private:
 
 // The custom data of an event: a dictionary in braces, {{"sku", "A-1"}, {"quantity", 2}}, a
 // nlohmann::json object, or none. Nested ones name their type: {"at", CustomAttributes{{"x", 1}}}.
-// A dictionary that cannot be serialised is dropped and its event kept. Of a key given twice the
-// first value counts.
+// A dictionary that cannot be serialised is dropped and its event kept; one without members is not
+// the same as none. Of a key given twice the first value counts.
 class TALLYFOOT_EXPORT CustomAttributes {
 public:
     struct Member {
@@ -78,8 +97,11 @@ public:
     };
 
     CustomAttributes(std::nullopt_t) noexcept {} // NOLINT: no custom data at all
+
     CustomAttributes() : CustomAttributes(std::initializer_list<Member>{}) {} // an empty dictionary
+
     CustomAttributes(std::initializer_list<Member> members); // NOLINT: braces convert
+
     template <std::same_as<nlohmann::json> JSON>
     CustomAttributes(const JSON& dictionary) : CustomAttributes(fromJSON(dictionary)) {} // NOLINT
 

@@ -16,7 +16,7 @@ public:
     explicit DateFormatter(std::string_view pattern);
     ~DateFormatter();
 
-    std::string string(Date date) const; // milliseconds are rounded to the nearest
+    std::string string(Date date) const;                   // milliseconds are rounded to the nearest
     std::optional<Date> date(std::string_view text) const; // not lenient: all of it, or nothing
 
 private:

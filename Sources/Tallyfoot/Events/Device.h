@@ -16,8 +16,8 @@ public:
 
     Attributes attributes() const; // appName, userAgent, deviceScrnDim, userIpAddress
 
-    std::string applicationName() const; // "CFBundleName", or empty
-    std::string screenDimensions() const; // "390-844": truncated; fatal if not a finite number that fits
+    std::string applicationName() const;          // "CFBundleName", or empty
+    std::string screenDimensions() const;         // "390-844": truncated; fatal if not a finite number that fits
     std::optional<std::string> ipAddress() const; // of "en0"; the last one listed
 
 private:

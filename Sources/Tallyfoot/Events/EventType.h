@@ -11,8 +11,9 @@ namespace tallyfoot {
 // The kinds of events. The numbers are what Objective-C callers pass.
 enum class EventType { crash, screen, action, gesture, selection, swipe, scroll, progress, alert };
 
-inline constexpr std::array<std::string_view, 9> eventTypeTexts{
-    "crash", "screen", "action", "gesture", "selection", "swipe", "scroll", "progress", "alert"};
+inline constexpr std::array<std::string_view, 9> eventTypeTexts{"crash", "screen", "action",   "gesture", "selection",
+                                                                "swipe", "scroll", "progress", "alert"};
+
 constexpr const auto& rawValueTable(EventType) noexcept { return eventTypeTexts; }
 
 // The text written under "evtType". Fatal for a number that is no case.

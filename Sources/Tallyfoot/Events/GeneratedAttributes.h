@@ -17,7 +17,8 @@ public:
     GeneratedAttributes(const Clock& clock, Random& random) : clock_(clock), random_(random) {}
 
     // Fills in what is absent; what the caller set stays.
-    void addTo(Attributes& attributes, std::string_view screenTitle, const std::optional<std::string>& pageParent) const;
+    void addTo(Attributes& attributes, std::string_view screenTitle,
+               const std::optional<std::string>& pageParent) const;
 
 private:
     const Clock& clock_;

@@ -20,8 +20,10 @@ std::optional<nlohmann::json> array(std::string_view text);      // parsed, and 
 // Compact, solidus escaped, control characters as \u00xx, doubles in their shortest form without
 // ".0". Nothing for NaN, infinities, ill-formed texts or more than 512 levels.
 std::optional<std::string> write(const nlohmann::json& value);
+std::optional<std::string> write(const nlohmann::json& value, int& levels); // says how deep it is, too
 
-void appendQuoted(std::string& into, std::string_view text); // one JSON string, quotes included
+// One JSON string, quotes included; ill-formed sequences become U+FFFD.
+void appendQuoted(std::string& into, std::string_view text);
 
 // The event text with its member "custom" turned from a text into the array of objects that it
 // spells, the whole object compact; the text itself where that cannot be done.

@@ -32,9 +32,10 @@ enum class LogAttribute {
 };
 
 inline constexpr std::array<std::string_view, 18> logAttributeTexts{
-    "appName",  "crashreason", "custom",          "deviceScrnDim", "evtAction", "evtCategory",
-    "evtId",    "evtLabel",    "evtLclTimestamp", "evtType",       "pgName",    "tmspent",
-    "userAgent", "userId",     "userIpAddress",   "userLogonTimestamp", "pgPrnt", "browserViewDim"};
+    "appName",       "crashreason",        "custom",  "deviceScrnDim", "evtAction", "evtCategory", "evtId",
+    "evtLabel",      "evtLclTimestamp",    "evtType", "pgName",        "tmspent",   "userAgent",   "userId",
+    "userIpAddress", "userLogonTimestamp", "pgPrnt",  "browserViewDim"};
+
 constexpr const auto& rawValueTable(LogAttribute) noexcept { return logAttributeTexts; }
 
 constexpr std::string_view rawValue(LogAttribute attribute) noexcept {

@@ -9,7 +9,9 @@ namespace tallyfoot {
 // An enumeration whose cases stand for texts keeps them in one table, in declaration order, found
 // through `rawValueTable(Enumeration)`. Both directions are looked up in it, also while compiling.
 template <class Enumeration>
-concept TextBacked = requires { rawValueTable(Enumeration{}); };
+concept TextBacked = requires {
+    rawValueTable(Enumeration{});
+};
 
 // The case whose text this is, matched exactly; nothing for any other text.
 template <TextBacked Enumeration>

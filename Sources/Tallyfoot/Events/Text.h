@@ -1,16 +1,17 @@
 #pragma once
 
+#include "Tallyfoot/Platform/Clock.h"
+
 #include <cstddef>
-#include <limits>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include "Tallyfoot/Platform/Clock.h"
-
 // Text helpers with the platform's edge behaviour. Texts are UTF-8; a character is a grapheme
-// cluster; white space is the platform's set of white space and newlines.
+// cluster; white space is the platform's set of white space and newlines. An ill-formed sequence
+// counts as one U+FFFD and is kept as it is. Searches are literal: byte for byte, without regard to
+// locale, case or composed forms, also inside a character. An empty text is found nowhere.
 namespace tallyfoot::text {
 
 using Data = std::string; // bytes
@@ -30,7 +31,7 @@ std::string deletingSuffix(std::string_view text, std::string_view suffix);
 bool contains(std::string_view text, std::span<const std::string_view> list);
 std::optional<Date> date(std::string_view text, std::string_view format);
 
-std::size_t length(std::string_view text); // characters
+std::size_t length(std::string_view text);                          // characters
 std::string character(std::string_view text, std::ptrdiff_t index); // "" outside
 // Bounds are clamped into 0...length first; fatal if the upper one then lies below the lower one.
 std::string characters(std::string_view text, std::ptrdiff_t lower, std::ptrdiff_t upper);

@@ -1,0 +1,71 @@
+#include "Tallyfoot/Events/DateFormatter.h"
+
+#include <unicode/parsepos.h>
+#include <unicode/smpdtfmt.h>
+#include <unicode/unistr.h>
+
+#include <chrono>
+#include <cmath>
+
+namespace tallyfoot {
+
+namespace {
+
+icu::UnicodeString fromUTF8(std::string_view text) {
+    return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+// ICU cuts off what is less than a millisecond.
+UDate nearestMillisecond(Date date) {
+    using namespace std::chrono;
+    const auto millisecond = floor<milliseconds>(date);
+    const bool isNearerToTheNext = date - millisecond >= microseconds(500);
+    return static_cast<UDate>(millisecond.time_since_epoch().count() + (isNearerToTheNext ? 1 : 0));
+}
+
+std::optional<Date> date(UDate milliseconds) {
+    // What a Date can hold: some 292 years either way.
+    constexpr double most = static_cast<double>(Date::duration::max().count() / 1'000'000 - 1);
+    if (!(std::fabs(milliseconds) <= most)) return std::nullopt;
+    return Date(std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds)));
+}
+
+} // namespace
+
+struct DateFormatter::Implementation {
+    explicit Implementation(std::string_view pattern) : format(fromUTF8(pattern), error) { format.setLenient(false); }
+
+    UErrorCode error = U_ZERO_ERROR;
+    icu::SimpleDateFormat format;
+};
+
+DateFormatter::DateFormatter(std::string_view pattern) : implementation_(std::make_unique<Implementation>(pattern)) {}
+
+DateFormatter::~DateFormatter() = default;
+
+std::string DateFormatter::string(Date date) const {
+    MutexLock lock(mutex_);
+    UErrorCode error = implementation_->error;
+    std::string text;
+    if (U_FAILURE(error)) return text;
+    icu::UnicodeString formatted;
+    implementation_->format.format(nearestMillisecond(date), formatted, nullptr, error);
+    if (U_SUCCESS(error)) formatted.toUTF8String(text);
+    return text;
+}
+
+std::optional<Date> DateFormatter::date(std::string_view text) const {
+    const auto whole = fromUTF8(text);
+    icu::ParsePosition position(0);
+    UDate milliseconds = 0;
+    {
+        MutexLock lock(mutex_);
+        if (U_FAILURE(implementation_->error)) return std::nullopt;
+        milliseconds = implementation_->format.parse(whole, position);
+    }
+    if (position.getErrorIndex() >= 0 || position.getIndex() == 0 || position.getIndex() != whole.length())
+        return std::nullopt;
+    return tallyfoot::date(milliseconds);
+}
+
+} // namespace tallyfoot
