@@ -3,6 +3,7 @@
 #include "Tallyfoot/Facade/Configuration/Settings.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tallyfoot {
@@ -11,6 +12,8 @@ namespace {
 
 constexpr std::int64_t minimumSeconds = 10;
 constexpr std::int64_t minimumEventsCount = 10;
+
+double defaultSeconds() { return std::trunc(DispatchTimeInterval::seconds(1800).timeInterval()); }
 
 // "utility", where the environment's addresses have "utilities": the server knows both.
 constexpr const char* fixedPath =
@@ -29,9 +32,8 @@ UploadConfiguration::UploadConfiguration(double seconds, std::int64_t eventsCoun
 
 std::shared_ptr<UploadConfiguration> UploadConfiguration::defaultConfiguration() {
     // Never released, so that the last calls of an ending process still find it.
-    static const auto& shared = *new std::shared_ptr<UploadConfiguration>(
-        new UploadConfiguration(1800, minimumEventsCount,
-                                Size::bytes(5242880), processSettings().environment()->uploadPath()));
+    static const auto& shared = *new std::shared_ptr<UploadConfiguration>(new UploadConfiguration(
+        defaultSeconds(), minimumEventsCount, Size::bytes(5242880), processSettings().environment()->uploadPath()));
     return shared;
 }
 
