@@ -1,0 +1,62 @@
+#include "Collector/HTTPServer.h"
+
+#include <sys/socket.h>
+
+namespace tallyfoot::collector {
+
+namespace {
+
+// Requests that wait (for events, for a delay) hold a thread each.
+constexpr std::size_t threads = 32;
+constexpr std::chrono::seconds idlePatience{30};
+
+thread_local Connection* currentConnection = nullptr;
+
+} // namespace
+
+HTTPServer::HTTPServer() {
+    new_task_queue = [] { return new httplib::ThreadPool(threads); };
+    // The library's own choice shares a port between processes, which would split the uploads.
+    set_socket_options([](socket_t socket) {
+        const int yes = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+    set_tcp_nodelay(true);
+}
+
+Connection& HTTPServer::current() { return *currentConnection; }
+
+bool HTTPServer::process_and_close_socket(int socket) {
+    sockets_.modify([&](std::set<int>& sockets) { sockets.insert(socket); });
+    {
+        Connection connection(socket);
+        currentConnection = &connection;
+        bool open = true;
+        while (open && !shuttingDown_ && connection.waitForRequest(idlePatience)) {
+            connection.beginRequest();
+            bool clientCloses = false;
+            open = process_request(connection, false, clientCloses, [&](httplib::Request& request) {
+                connection.endHead();
+                // Otherwise the library would take a multipart body apart by its own, laxer rules.
+                if (request.is_multipart_form_data()) request.headers.erase("Content-Type");
+                request.headers.erase("Content-Encoding");
+            });
+            connection.endRequest();
+            open = open && !clientCloses;
+        }
+        currentConnection = nullptr;
+        // Before it is closed: its number may be given to the next connection at once.
+        sockets_.modify([&](std::set<int>& sockets) { sockets.erase(socket); });
+    }
+    return true;
+}
+
+void HTTPServer::shutDown() {
+    shuttingDown_ = true;
+    stop();
+    sockets_.modify([](std::set<int>& sockets) {
+        for (const int socket : sockets) ::shutdown(socket, SHUT_RD);
+    });
+}
+
+} // namespace tallyfoot::collector

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Collector/Connection.h"
+
+#include "Tallyfoot/Platform/Exclusive.h"
+
+#include <httplib.h>
+
+#include <atomic>
+#include <set>
+
+namespace tallyfoot::collector {
+
+// cpp-httplib's server on connections of our own. It parses and routes; the connection shows a handler
+// what really came in, and ends it as the handler likes. The body of a request with a
+// content reader arrives raw, whatever its Content-Type says.
+class HTTPServer final : public httplib::Server {
+public:
+    HTTPServer();
+
+    // The connection whose request the calling thread handles; only inside of a handler.
+    static Connection& current();
+
+    // Stops accepting, ends idle connections and lets running requests finish. Any thread.
+    void shutDown();
+
+private:
+    bool process_and_close_socket(int socket) override;
+
+    Exclusive<std::set<int>> sockets_;
+    std::atomic<bool> shuttingDown_{false};
+};
+
+} // namespace tallyfoot::collector

@@ -1,0 +1,27 @@
+#include "CommandLine/CollectCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <csignal>
+
+// Every subcommand is an object that declares its options to the parser and runs when it is chosen.
+int main(int count, char** arguments) {
+    CLI::App app("Tallyfoot's tools for development: run a local collector, read stored records, see it all at work.",
+                 "tallyfoot");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", TALLYFOOT_VERSION);
+    // A reader that goes away (tallyfoot cat … | head) is noticed at the write that fails.
+    std::signal(SIGPIPE, SIG_IGN);
+
+    int status = 0;
+    tallyfoot::commandline::CollectCommand collect(app, status);
+    try {
+        app.parse(count, arguments);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    } catch (const std::exception& failure) {
+        std::cerr << "tallyfoot: " << failure.what() << '\n';
+        return 1;
+    }
+    return status;
+}
