@@ -1,3 +1,4 @@
+#include "Support/OrdinaryUser.h"
 #include "Support/TemporaryFolder.h"
 
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
@@ -117,24 +118,9 @@ TEST(PosixFileManager, HandlesAreNotInherited) {
     EXPECT_EQ(::fcntl(next, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
-// What only a user without privileges can meet is done in a child that gives them up.
-void asOrdinaryUser(const TemporaryFolder& folder, const std::function<bool()>& check) {
-    if (::getuid() != 0) {
-        EXPECT_TRUE(check());
-        return;
-    }
-    ASSERT_EQ(::chown(folder.path().c_str(), 65534, 65534), 0);
-    const auto child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) ::_exit(::setgid(65534) == 0 && ::setuid(65534) == 0 && check() ? 0 : 1);
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-}
-
 TEST(PosixFileManager, SubpathsLeaveOutWhatCannotBeEntered) {
     TemporaryFolder folder;
-    asOrdinaryUser(folder, [&] {
+    EXPECT_TRUE(asOrdinaryUser(folder, [&] {
         PosixFileManager files;
         if (!files.createDirectory(folder / "open/inner") || !files.createDirectory(folder / "closed/inner"))
             return false;
@@ -142,12 +128,12 @@ TEST(PosixFileManager, SubpathsLeaveOutWhatCannotBeEntered) {
         auto subpaths = files.subpathsOfDirectory(folder.path().string()).value();
         std::filesystem::permissions(folder / "closed", std::filesystem::perms::owner_all);
         return ::testing::Matches(UnorderedElementsAre("open", "open/inner", "closed"))(subpaths);
-    });
+    }));
 }
 
 TEST(PosixFileManager, RemovalTakesWhatItCanAndReportsTheRest) {
     TemporaryFolder folder;
-    asOrdinaryUser(folder, [&] {
+    EXPECT_TRUE(asOrdinaryUser(folder, [&] {
         PosixFileManager files;
         if (!files.createDirectory(folder / "top/closed/inner") || !files.createDirectory(folder / "top/open/inner"))
             return false;
@@ -156,7 +142,7 @@ TEST(PosixFileManager, RemovalTakesWhatItCanAndReportsTheRest) {
         std::filesystem::permissions(folder / "top/closed", std::filesystem::perms::owner_all);
         return !removed && removed.error().description.find("closed") != std::string::npos
                && files.directoryExists(folder / "top/closed/inner") && !files.fileExists(folder / "top/open");
-    });
+    }));
 }
 
 TEST(PosixFileManager, ApplicationSupportFollowsTheDataHome) {
