@@ -25,8 +25,8 @@ UDate nearestMillisecond(Date date) {
 
 std::optional<Date> date(UDate milliseconds) {
     // What a Date can hold: some 292 years either way.
-    constexpr double most = static_cast<double>(Date::duration::max().count() / 1'000'000 - 1);
-    if (!(std::fabs(milliseconds) <= most)) return std::nullopt;
+    constexpr std::int64_t most = Date::duration::max().count() / 1'000'000 - 1;
+    if (!(std::fabs(milliseconds) <= static_cast<double>(most))) return std::nullopt;
     return Date(std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds)));
 }
 

@@ -74,6 +74,7 @@ std::vector<std::shared_ptr<const Bundle>> PosixBundles::allFrameworks() const {
     }
     std::sort(paths.begin(), paths.end());
     std::vector<std::shared_ptr<const Bundle>> frameworks;
+    frameworks.reserve(paths.size());
     for (auto& path : paths) frameworks.push_back(std::make_shared<PosixBundle>(std::move(path), propertyLists_));
     return frameworks;
 }

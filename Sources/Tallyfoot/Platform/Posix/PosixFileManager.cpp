@@ -160,7 +160,7 @@ public:
             if (step.wasEmptied)
                 check(::rmdir(step.path.c_str()), step.path);
             else
-                enter(std::move(step.path));
+                enter(step.path);
         }
         return std::move(outcome_);
     }
@@ -171,7 +171,7 @@ private:
         bool wasEmptied;
     };
 
-    void enter(std::string path) {
+    void enter(const std::string& path) {
         auto entries = entriesOf(path, O_NOFOLLOW);
         pending_.push_back({path, true});
         if (!entries) {
