@@ -6,6 +6,8 @@
 #include "Tallyfoot/Platform/FileManager.h"
 
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,10 +20,18 @@ namespace tallyfoot {
 //                                               Upload    closed log files (.log)
 //                                               Backup    archives waiting to be sent (.zip)
 //
-// Keeps no state but the application. Callers hold the recorder's turn.
+// Keeps no state but the application, and the root folder once it was found. The application's name
+// is one path component as it is; one that is none, or leads elsewhere, is encoded (`pathComponent`).
+// Without an application, or without an application-support directory, every operation is fatal.
+// Who changes files holds the recorder's turn; reading needs none.
 class AppFolder {
 public:
     enum class Folder { events, upload, backup };
+
+    struct Item {
+        std::string name;
+        std::optional<FileAttributes> attributes; // none: they cannot be read
+    };
 
     AppFolder(FileManager& fileManager, DebugConsole console, std::shared_ptr<const ApplicationInfo> appInfo);
 
@@ -31,23 +41,32 @@ public:
     void createFolders(); // the five of them, in order; failures are swallowed
     std::string path() const;
     std::string path(Folder folder) const;
+    std::string path(Folder folder, std::string_view name) const;
 
-    // Hidden files never appear. Newest first by creation date, ties by name. Unreadable: empty.
+    // Hidden files never appear. Newest first by creation date, ties by name, the greater one (the
+    // later date) first. Unreadable: empty.
+    std::vector<Item> items(Folder folder) const;
     std::vector<std::string> fileNames(Folder folder) const;
     std::vector<std::string> filePaths(Folder folder) const;
-    std::vector<std::string> archivePaths() const;                     // ".zip" of Backup
-    std::vector<std::string> nonEmptyLogPaths(Folder folder) const;    // ".log" of at least a byte
+    std::vector<std::string> archivePaths() const;                  // ".zip" of Backup
+    std::vector<std::string> nonEmptyLogPaths(Folder folder) const; // ".log" of at least a byte
+    static bool isNonEmptyLog(const Item& item) noexcept;
 
     bool move(const std::string& name, Folder from, Folder to); // replaces; says why it failed
     bool remove(const std::string& path);                       // says why it failed
     void removeAll();                                           // the application's folder, silently
 
-    float size(const std::string& path, Size unit) const;       // an unreadable item counts as 0
-    float totalSize(Folder folder, Size unit) const;
+    float size(const std::string& path, Size unit) const; // an unreadable item counts as 0
+    float totalSize(Folder folder, Size unit) const;      // of everything below; unreadable ones left out
 
 private:
-    // (the implementer of this room shapes what follows)
+    const std::string& root() const;
+
+    FileManager& fileManager_;
+    DebugConsole console_;
     std::shared_ptr<const ApplicationInfo> appInfo_;
+    mutable std::once_flag rootIsFound_;
+    mutable std::string root_;
 };
 
 } // namespace tallyfoot

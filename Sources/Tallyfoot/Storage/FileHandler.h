@@ -4,14 +4,15 @@
 #include "Tallyfoot/Facade/Configuration/UploadConfiguration.h"
 #include "Tallyfoot/Platform/Clock.h"
 #include "Tallyfoot/Platform/DebugConsole.h"
-#include "Tallyfoot/Platform/FunctionRef.h"
 #include "Tallyfoot/Storage/AppFolder.h"
+#include "Tallyfoot/Storage/DatedNames.h"
+#include "Tallyfoot/Storage/RecordFile.h"
 #include "Tallyfoot/Storage/StorageMonitor.h"
+#include "Tallyfoot/Storage/Turn.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,8 +28,7 @@ namespace tallyfoot {
 // failure leaves; each is one console line.
 class FileHandler {
 public:
-    // Takes the turn for the length of one block; how a long operation keeps each turn short.
-    using Turn = FunctionRef<void(FunctionRef<void()>)>;
+    using Turn = tallyfoot::Turn;
 
     struct Collaborators {
         FileManager& fileManager;
@@ -38,8 +38,9 @@ public:
     };
 
     // Creates the folders, restores archives left behind, trims the storage and, for the current
-    // application, chooses and creates the current log file. An archive that `isInFlight` names is
-    // on its way to the server and stays: its answer decides.
+    // application, chooses and creates the current log file: the newest one in Events, else a new
+    // one. For another application, log files that a killed run left in Events move to Upload. An
+    // archive that `isInFlight` names is on its way to the server and stays: its answer decides.
     FileHandler(Collaborators collaborators, std::shared_ptr<const UploadConfiguration> configuration,
                 std::shared_ptr<AppFolder> appFolder, bool isCurrentApplication,
                 const std::function<bool(std::string_view archiveName)>& isInFlight = {});
@@ -48,18 +49,23 @@ public:
     void setTriggerUpload(std::function<void()> trigger); // called when the current file is full
 
     // Appends a stored record (separator included) and, at the size threshold, calls triggerUpload.
+    // A record that cannot be written is lost, and that is one console line. Two system calls and
+    // no allocation while the file is open.
     void write(std::string_view record);
-    void close();     // the current file moves to Upload; a new name is chosen, its file made by the next write
-    void trim();      // deletes the oldest closed files down to half the budget once it is reached
+    // The current file moves to Upload, and with it whatever an earlier failure left in Events; a new
+    // name is chosen, its file made by the next write.
+    void close();
+    void trim(); // deletes the oldest closed files down to half the budget once it is reached
     void deleteAllLogs();
 
-    // Packs the closed files into one archive. Takes the turn itself, in short pieces: the packing
-    // between them reads closed files only. Not for two threads at once.
+    // Packs the closed files into one archive (`LogPacker`). Takes the turn itself, in short pieces:
+    // the packing between them reads closed files only. Not for two threads at once.
     void zip(Turn turn);
 
-    // Unpacks the archive into Upload, deletes it, then deletes what was delivered. Takes the turn
-    // itself, in short pieces.
+    // Unpacks the archive into Upload, deletes it, then deletes what was delivered
+    // (`ArchiveRestorer`). Takes the turn itself, in short pieces.
     void restore(const std::string& archivePath, const std::vector<std::string>& delivered, Turn turn);
+    static bool isRestoring(const std::string& archivePath); // such an archive is not to be sent; any thread
 
     AppFolder& appFolder() noexcept { return *appFolder_; }
     const std::optional<std::string>& currentLogFileName() const noexcept { return currentLogFileName_; }
@@ -67,10 +73,21 @@ public:
     const StorageMonitor& storageMonitor() const noexcept { return storageMonitor_; }
 
 private:
-    // (the implementer of this room shapes what follows)
+    void restoreArchives(const std::function<bool(std::string_view)>& isInFlight);
+    void chooseCurrentFile();
+    void ensureCurrentFileExists();
+    float append(std::string_view record); // the file's size afterwards
+    void moveLeftovers();
+    void print(std::string_view text, const std::string& path) const;
+
+    Collaborators collaborators_;
+    std::shared_ptr<const UploadConfiguration> configuration_;
     std::shared_ptr<AppFolder> appFolder_;
     std::optional<std::string> currentLogFileName_;
+    RecordFile recordFile_;
+    std::function<void()> triggerUpload_;
     StorageMonitor storageMonitor_;
+    DatedNames names_;
 };
 
 } // namespace tallyfoot

@@ -1,0 +1,162 @@
+#include "Tallyfoot/Storage/ArchiveRestorer.h"
+
+#include "Tallyfoot/Platform/Exclusive.h"
+#include "Tallyfoot/Storage/Archive.h"
+#include "Tallyfoot/Storage/PathNames.h"
+
+#include <algorithm>
+#include <set>
+
+namespace tallyfoot {
+
+using Folder = AppFolder::Folder;
+
+namespace {
+
+constexpr std::string_view entriesName = "entries";
+
+Exclusive<std::set<std::string>>& archivesAtWork() {
+    static auto& archives = *new Exclusive<std::set<std::string>>;
+    return archives;
+}
+
+// Keeps a second restore of one archive away for as long as it lives.
+class Claim {
+public:
+    explicit Claim(const std::string& path)
+        : path_(path), isOurs_(archivesAtWork().modify([&](auto& paths) { return paths.insert(path).second; })) {}
+    ~Claim() {
+        if (isOurs_) archivesAtWork().modify([&](auto& paths) { paths.erase(path_); });
+    }
+    Claim(const Claim&) = delete;
+    Claim& operator=(const Claim&) = delete;
+
+    explicit operator bool() const noexcept { return isOurs_; }
+
+private:
+    const std::string& path_;
+    bool isOurs_;
+};
+
+bool isSame(const FileAttributes& left, const FileAttributes& right) noexcept {
+    return left.size == right.size && left.creationDate == right.creationDate;
+}
+
+std::string_view extension(std::string_view name) noexcept {
+    const auto dot = name.rfind('.');
+    return dot == name.npos ? std::string_view() : name.substr(dot);
+}
+
+} // namespace
+
+ArchiveRestorer::ArchiveRestorer(FileManager& fileManager, DebugConsole console, AppFolder& appFolder,
+                                 const DatedNames& names)
+    : fileManager_(fileManager), console_(console), appFolder_(appFolder), names_(names) {}
+
+bool ArchiveRestorer::isRestoring(const std::string& archivePath) {
+    return archivesAtWork().read([&](const auto& paths) { return paths.contains(archivePath); });
+}
+
+void ArchiveRestorer::restore(const std::string& archivePath, const std::vector<std::string>& delivered, Turn turn) {
+    const Claim claim(archivePath);
+    if (!claim) return report({"the archive is being restored already"});
+    WorkFolder work(fileManager_, appFolder_.path(Folder::backup), appFolder_.path(Folder::upload));
+    auto unpacked = unpack(archivePath, work);
+    if (!unpacked) return report(unpacked.error());
+    auto& entries = unpacked.value();
+    for (const auto& name : delivered) {
+        if (const auto entry = entries.find(name); entry != entries.end()) entry->second.isDelivered = true;
+    }
+
+    auto next = entries.begin();
+    for (bool isDone = false; !isDone;) {
+        turn([&] {
+            // Deleted meanwhile, with all logs: the user has changed.
+            isDone = !fileManager_.fileExists(archivePath);
+            for (int count = 0; count < filesPerTurn && next != entries.end() && !isDone; ++count, ++next) {
+                const auto done = putInPlace(next->first, next->second, work);
+                if (done) continue;
+                takeBack(entries);
+                report(done.error());
+                isDone = true;
+            }
+            if (isDone || next != entries.end()) return;
+            finish(archivePath, delivered, entries, work);
+            isDone = true;
+        });
+    }
+}
+
+Result<ArchiveRestorer::Entries> ArchiveRestorer::unpack(const std::string& archivePath, WorkFolder& work) const {
+    const auto folder = work / entriesName;
+    if (auto created = fileManager_.createDirectory(folder); !created) return created.error();
+    auto names = Archive::unpack(fileManager_, archivePath, folder);
+    if (!names) return names.error();
+    Entries entries;
+    for (auto& name : names.value()) {
+        auto same = twin(name, work);
+        entries[std::move(name)].twin = same;
+    }
+    return entries;
+}
+
+std::optional<FileAttributes> ArchiveRestorer::twin(const std::string& name, const WorkFolder& work) const {
+    const auto there = appFolder_.path(Folder::upload, name);
+    const auto restored = (work / entriesName) + '/' + name;
+    const auto attributes = fileManager_.attributesOfItem(there);
+    const auto restoredAttributes = fileManager_.attributesOfItem(restored);
+    if (!attributes || !restoredAttributes || attributes.value().isDirectory) return {};
+    if (attributes.value().size != restoredAttributes.value().size) return {};
+    const auto bytes = fileManager_.contents(there);
+    const auto restoredBytes = fileManager_.contents(restored);
+    if (!bytes || !restoredBytes || bytes.value() != restoredBytes.value()) return {};
+    return attributes.value();
+}
+
+bool ArchiveRestorer::isTwinThere(const std::string& name, const Entry& entry) const {
+    if (!entry.twin) return false;
+    const auto there = fileManager_.attributesOfItem(appFolder_.path(Folder::upload, name));
+    return there && isSame(there.value(), *entry.twin);
+}
+
+Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, const WorkFolder& work) {
+    // What was delivered never comes into sight.
+    if (entry.isDelivered || isTwinThere(name, entry)) return {};
+    auto path = appFolder_.path(Folder::upload, name);
+    if (fileManager_.fileExists(path)) path = appFolder_.path(Folder::upload, names_.next(extension(name)));
+    auto moved = fileManager_.moveItem((work / entriesName) + '/' + name, path);
+    if (moved) entry.restoredPath = std::move(path);
+    return moved;
+}
+
+void ArchiveRestorer::takeBack(const Entries& entries) {
+    for (const auto& [name, entry] : entries) {
+        if (!entry.restoredPath.empty()) (void)fileManager_.removeItem(entry.restoredPath);
+    }
+}
+
+void ArchiveRestorer::finish(const std::string& archivePath, const std::vector<std::string>& delivered,
+                             Entries& entries, const WorkFolder& work) {
+    // Out of Backup at once; the work of deleting need not hold the turn.
+    if (!fileManager_.moveItem(archivePath, work / lastPathComponent(archivePath)))
+        (void)appFolder_.remove(archivePath);
+    for (const auto& name : delivered) {
+        const auto entry = entries.find(name);
+        removeDelivered(name, entry == entries.end() ? nullptr : &entry->second);
+    }
+}
+
+void ArchiveRestorer::removeDelivered(const std::string& name, Entry* entry) {
+    if (!isPlainFileName(name)) return console_.print({"Failed to delete a file: ", name, " is no file name"});
+    if (entry == nullptr) return (void)appFolder_.remove(appFolder_.path(Folder::upload, name));
+    // A namesake with other bytes is not what was delivered.
+    if (entry->isDeleted) return console_.print({"Failed to delete a file: ", name, " is deleted already"});
+    if (isTwinThere(name, *entry)) (void)appFolder_.remove(appFolder_.path(Folder::upload, name));
+    entry->isDeleted = true;
+}
+
+void ArchiveRestorer::report(const Error& error) const {
+    console_.print({"Failed to restore files: ", error.description});
+}
+
+} // namespace tallyfoot

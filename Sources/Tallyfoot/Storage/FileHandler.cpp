@@ -1,0 +1,177 @@
+#include "Tallyfoot/Storage/FileHandler.h"
+
+#include "Tallyfoot/Platform/FatalError.h"
+#include "Tallyfoot/Storage/ArchiveRestorer.h"
+#include "Tallyfoot/Storage/LogPacker.h"
+#include "Tallyfoot/Storage/PathNames.h"
+#include "Tallyfoot/Storage/WorkFolder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tallyfoot {
+
+using Folder = AppFolder::Folder;
+
+FileHandler::FileHandler(Collaborators collaborators, std::shared_ptr<const UploadConfiguration> configuration,
+                         std::shared_ptr<AppFolder> appFolder, bool isCurrentApplication,
+                         const std::function<bool(std::string_view archiveName)>& isInFlight)
+    : collaborators_(std::move(collaborators)), configuration_(std::move(configuration)),
+      appFolder_(std::move(appFolder)),
+      recordFile_(collaborators_.fileManager), storageMonitor_{.thresholdFileSize =
+                                                                   configuration_->fileSize().inBytes(),
+                                                               .thresholdStorageSize =
+                                                                   configuration_->storageSize().inBytes()},
+      names_(collaborators_.fileManager, collaborators_.clock, *appFolder_) {
+    appFolder_->createFolders();
+    WorkFolder::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup),
+                                appFolder_->path(Folder::upload));
+    restoreArchives(isInFlight);
+    trim();
+    if (isCurrentApplication) {
+        chooseCurrentFile();
+    } else {
+        moveLeftovers();
+    }
+}
+
+FileHandler::~FileHandler() = default;
+
+void FileHandler::restoreArchives(const std::function<bool(std::string_view)>& isInFlight) {
+    for (const auto& path : appFolder_->archivePaths()) {
+        if (isRestoring(path) || (isInFlight && isInFlight(lastPathComponent(path)))) continue;
+        restore(path, {}, [](FunctionRef<void()> block) { block(); });
+    }
+}
+
+void FileHandler::chooseCurrentFile() {
+    const auto items = appFolder_->items(Folder::events);
+    const auto newest = std::find_if(items.begin(), items.end(), [](const AppFolder::Item& item) {
+        return item.name.ends_with(".log") && !(item.attributes && item.attributes->isDirectory);
+    });
+    currentLogFileName_ = newest == items.end() ? names_.next(".log") : newest->name;
+    collaborators_.console.print({"Current log filename: ", *currentLogFileName_});
+    print("Current log filepath: ", currentFilePath());
+    ensureCurrentFileExists();
+}
+
+void FileHandler::setTriggerUpload(std::function<void()> trigger) { triggerUpload_ = std::move(trigger); }
+
+std::string FileHandler::currentFilePath() const {
+    if (!currentLogFileName_) fatalError("The current log file was asked for before it has a name");
+    return appFolder_->path(Folder::events, *currentLogFileName_);
+}
+
+void FileHandler::ensureCurrentFileExists() {
+    auto& fileManager = collaborators_.fileManager;
+    const auto path = currentFilePath();
+    if (fileManager.fileExists(path)) return;
+    trim();
+    auto created = fileManager.writeAtomically(path, {});
+    if (!created && !fileManager.directoryExists(appFolder_->path(Folder::events))) {
+        appFolder_->createFolders(); // somebody took them away
+        created = fileManager.writeAtomically(path, {});
+    }
+    print(created ? "File created at path: " : "Filed to create log file at: ", path);
+}
+
+void FileHandler::write(std::string_view record) {
+    const auto size = append(record);
+    const bool isFull = storageMonitor_.thresholdFileSize <= size;
+    if (!isFull && !collaborators_.settings.ignoreFileSizeThreshold) return;
+    if (const auto trigger = triggerUpload_) trigger(); // a copy: it may set another one
+}
+
+float FileHandler::append(std::string_view record) {
+    // A file that was removed under us took the record with it: once more, into a new one.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (!recordFile_.isOpen()) {
+            ensureCurrentFileExists();
+            if (!recordFile_.open(currentFilePath())) break;
+        }
+        const auto status = recordFile_.append(record);
+        if (status && status.value().isLinked) return static_cast<float>(status.value().size);
+        recordFile_.close();
+        if (!status) {
+            collaborators_.console.print({"Failed to write to log file: ", status.error().description});
+            break;
+        }
+    }
+    return appFolder_->size(currentFilePath(), Size::bytes(1));
+}
+
+void FileHandler::close() {
+    if (currentLogFileName_) {
+        // Opened for the sake of the repair, if this run has not written to it.
+        if (!recordFile_.isOpen()) (void)recordFile_.open(currentFilePath());
+        recordFile_.close();
+        appFolder_->move(*currentLogFileName_, Folder::events, Folder::upload);
+    }
+    moveLeftovers();
+    currentLogFileName_ = names_.next(".log");
+}
+
+void FileHandler::moveLeftovers() {
+    auto& fileManager = collaborators_.fileManager;
+    for (const auto& item : appFolder_->items(Folder::events)) {
+        if (!AppFolder::isNonEmptyLog(item) || item.name == currentLogFileName_) continue;
+        const auto path = appFolder_->path(Folder::events, item.name);
+        RecordFile leftover(fileManager);
+        (void)leftover.open(path);
+        leftover.close();
+        auto name = item.name;
+        if (fileManager.fileExists(appFolder_->path(Folder::upload, name))) { // nothing of it is to be replaced
+            name = names_.next(".log");
+            if (!fileManager.moveItem(path, appFolder_->path(Folder::events, name))) name = item.name;
+        }
+        appFolder_->move(name, Folder::events, Folder::upload);
+    }
+}
+
+void FileHandler::trim() {
+    const float total = appFolder_->totalSize(Folder::upload, Size::bytes(1));
+    const float budget = configuration_->storageSize().inBytes();
+    if (total < budget) return;
+    std::vector<std::pair<Date, AppFolder::Item>> files;
+    for (auto& item : appFolder_->items(Folder::upload)) {
+        const auto created = item.attributes ? item.attributes->creationDate : Date{};
+        const auto date = DatedNames::date(item.name).value_or(created);
+        files.emplace_back(date, std::move(item));
+    }
+    std::sort(files.begin(), files.end(), [](const auto& left, const auto& right) {
+        return std::pair(left.first, std::string_view(left.second.name))
+               < std::pair(right.first, std::string_view(right.second.name));
+    });
+    float sum = 0;
+    for (const auto& [date, item] : files) {
+        if (item.attributes) sum += static_cast<float>(item.attributes->size);
+        (void)appFolder_->remove(appFolder_->path(Folder::upload, item.name));
+        if (total - sum <= budget * 0.5F) return;
+    }
+}
+
+void FileHandler::deleteAllLogs() {
+    recordFile_.close();
+    for (const auto folder : {Folder::events, Folder::upload, Folder::backup}) {
+        const auto names = collaborators_.fileManager.contentsOfDirectory(appFolder_->path(folder));
+        if (!names) continue;
+        for (const auto& name : names.value()) (void)appFolder_->remove(appFolder_->path(folder, name));
+    }
+}
+
+void FileHandler::zip(Turn turn) {
+    LogPacker(collaborators_.fileManager, collaborators_.console, *appFolder_, names_).pack(turn);
+}
+
+void FileHandler::restore(const std::string& archivePath, const std::vector<std::string>& delivered, Turn turn) {
+    ArchiveRestorer(collaborators_.fileManager, collaborators_.console, *appFolder_, names_)
+        .restore(archivePath, delivered, turn);
+}
+
+bool FileHandler::isRestoring(const std::string& archivePath) { return ArchiveRestorer::isRestoring(archivePath); }
+
+void FileHandler::print(std::string_view text, const std::string& path) const {
+    if (collaborators_.console.isOn()) collaborators_.console.print({text, fileURL(path)});
+}
+
+} // namespace tallyfoot

@@ -1,0 +1,58 @@
+#include "Tallyfoot/Storage/RecordFile.h"
+
+#include "Tallyfoot/Events/StoredRecord.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <utility>
+
+namespace tallyfoot {
+
+namespace {
+
+// Where the last whole record ends; read backwards in blocks, so that memory stays flat.
+Result<std::uint64_t> endOfLastRecord(const FileHandle& handle, std::uint64_t size) {
+    // The first look is a short one: nearly every file is whole.
+    std::array<char, 16384> block;
+    std::uint64_t end = size;
+    for (std::uint64_t length = recordSeparator.size(); end >= recordSeparator.size(); length = block.size()) {
+        const std::uint64_t start = end - std::min(length, end);
+        const auto count = handle.read(start, std::span(block).first(static_cast<std::size_t>(end - start)));
+        if (!count) return count.error();
+        const auto found = std::string_view(block.data(), count.value()).rfind(recordSeparator);
+        if (found != std::string_view::npos) return start + found + recordSeparator.size();
+        if (start == 0) break;
+        end = start + recordSeparator.size() - 1; // a separator may lie across two blocks
+    }
+    return std::uint64_t{0};
+}
+
+Result<void> cutOffFragment(FileHandle& handle) {
+    const auto status = handle.status();
+    if (!status) return status.error();
+    const auto size = status.value().size;
+    const auto end = endOfLastRecord(handle, size);
+    if (!end) return end.error();
+    return end.value() == size ? Result<void>() : handle.truncate(end.value());
+}
+
+} // namespace
+
+Result<void> RecordFile::open(const std::string& path) {
+    auto handle = fileManager_.fileHandleForWriting(path);
+    if (!handle) return handle.error();
+    handle_ = std::move(handle.value());
+    // What cannot be cut off is at least kept apart.
+    if (!cutOffFragment(*handle_)) (void)handle_->append(recordSeparator);
+    return {};
+}
+
+Result<FileStatus> RecordFile::append(std::string_view record) {
+    if (auto appended = handle_->append(record); !appended) return appended.error();
+    auto status = handle_->status();
+    // The record is written all the same.
+    return status ? status : Result<FileStatus>(FileStatus{.size = 0, .isLinked = true});
+}
+
+} // namespace tallyfoot
