@@ -10,7 +10,8 @@
 
 namespace tallyfoot {
 
-// Dates by a pattern, in the device's locale and time zone. Any thread. Apple: NSDateFormatter.
+// Dates by a pattern, in the device's locale and time zone. Any thread. With a bad pattern there are
+// no texts and no dates. Apple: NSDateFormatter.
 class DateFormatter {
 public:
     explicit DateFormatter(std::string_view pattern);

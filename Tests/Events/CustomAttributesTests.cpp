@@ -1,5 +1,4 @@
 #include "Tallyfoot/Events/CustomAttributes.h"
-
 #include "Tallyfoot/Events/JSON.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,4 @@
 #include "Tallyfoot/Events/FileEventFormatter.h"
-
 #include "Tallyfoot/Events/Text.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
-#include "Tallyfoot/Events/StoredRecord.h"
-
 #include "Tallyfoot/Events/FileEventFormatter.h"
 #include "Tallyfoot/Events/JSON.h"
+#include "Tallyfoot/Events/StoredRecord.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
