@@ -191,6 +191,7 @@ TEST(JSONReader, IsIndifferentToTheLocale) {
         GTEST_SKIP() << "the locale " << name << " cannot be made";
     ASSERT_STRNE(std::localeconv()->decimal_point, ".");
     EXPECT_EQ(again("[1.5,1234567.25]"), "[1.5,1234567.25]");
+    std::setlocale(LC_ALL, "C");
 }
 
 TEST(JSONReader, ADictionaryIsAnObject) {
