@@ -2,12 +2,14 @@
 #include "Tallyfoot/Platform/Posix/PosixBundles.h"
 #include "Tallyfoot/Platform/Posix/PosixClock.h"
 #include "Tallyfoot/Platform/Posix/PosixConsole.h"
+#include "Tallyfoot/Platform/Posix/PosixDispatch.h"
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
 #include "Tallyfoot/Platform/Posix/PosixNetworkInterfaces.h"
 #include "Tallyfoot/Platform/Posix/PosixProcessInfo.h"
 #include "Tallyfoot/Platform/Posix/PosixPropertyLists.h"
 #include "Tallyfoot/Platform/Posix/PosixRandom.h"
 #include "Tallyfoot/Platform/Posix/PosixScreen.h"
+#include "Tallyfoot/Platform/Posix/PosixURLSession.h"
 
 namespace tallyfoot {
 
@@ -19,12 +21,14 @@ PlatformServices posixPlatformServices() {
     services.bundles = std::make_shared<PosixBundles>(propertyLists);
     services.clock = std::make_shared<PosixClock>();
     services.console = std::make_shared<PosixConsole>();
+    services.dispatch = std::make_shared<PosixDispatch>();
     services.fileManager = std::make_shared<PosixFileManager>();
     services.networkInterfaces = std::make_shared<PosixNetworkInterfaces>();
     services.processInfo = std::make_shared<PosixProcessInfo>();
     services.propertyLists = propertyLists;
     services.random = std::make_shared<PosixRandom>();
     services.screen = std::make_shared<PosixScreen>();
+    services.makeURLSession = [] { return std::make_shared<PosixURLSession>(); };
     return services;
 }
 

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <memory>
+
+namespace tallyfoot {
+
+struct CurlDeleter {
+    void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
+    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
+};
+
+struct CurlMultiDeleter {
+    void operator()(CURLM* multi) const noexcept { curl_multi_cleanup(multi); }
+};
+
+using CurlHandle = std::unique_ptr<CURL, CurlDeleter>;
+using CurlList = std::unique_ptr<curl_slist, CurlDeleter>;
+
+} // namespace tallyfoot

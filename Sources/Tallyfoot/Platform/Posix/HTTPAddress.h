@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tallyfoot {
+
+// The parts of an upload address that decide where a request goes.
+struct HTTPAddress {
+    std::string origin; // "https://host:443", in lower case
+    std::string host;   // without brackets
+    std::string url;    // the whole address, anything beyond ASCII percent-encoded
+    bool namesUser;     // "user@" stands before the host
+
+    bool isLoopback() const;
+};
+
+// Nothing unless isUploadURL.
+std::optional<HTTPAddress> httpAddress(const std::string& url);
+
+} // namespace tallyfoot
