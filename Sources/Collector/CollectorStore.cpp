@@ -64,8 +64,8 @@ std::int64_t CollectorStore::store(const CheckedUpload& upload, const Fault& fau
     Database::Transaction transaction(database_);
     const auto id = insertUpload(upload, fault, answer);
     for (std::size_t index = 0; index < upload.files.size(); ++index) {
-        insertFile(id, upload.files[index], answer.accepted[index]);
-        insertRecords(id, upload.files[index], answer.accepted[index]);
+        insertFile(id, upload.files[index], answer.accepted.at(index));
+        insertRecords(id, upload.files[index], answer.accepted.at(index));
     }
     insertProblems(id, upload.problems);
     transaction.commit();

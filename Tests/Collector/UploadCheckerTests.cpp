@@ -1,0 +1,133 @@
+#include "Collector/ArchiveReader.h"
+#include "Collector/UploadChecker.h"
+#include "TestUpload.h"
+
+#include <gtest/gtest.h>
+
+namespace tallyfoot::collector {
+namespace {
+
+using testing::log;
+using testing::record;
+using testing::TestUpload;
+
+CheckedUpload check(const TestUpload& upload) {
+    const auto body = upload.body();
+    return checkUpload(upload.head(body.size()), body);
+}
+
+std::vector<std::string> kinds(const CheckedUpload& upload) {
+    std::vector<std::string> all;
+    for (const auto& problem : upload.problems) all.push_back(problem.kind);
+    return all;
+}
+
+using List = std::vector<std::string>;
+
+TEST(UploadChecker, AWellFormedUploadHasNoProblem) {
+    const auto upload = check(TestUpload({{"a.log", log({record("1"), record("2")})}, {"b.log", log({record("3")})}}));
+    EXPECT_EQ(kinds(upload), List{});
+    ASSERT_EQ(upload.files.size(), 2U);
+    EXPECT_EQ(upload.files[0].name, "a.log");
+    EXPECT_EQ(upload.files[0].records.size(), 2U);
+    EXPECT_EQ(upload.files[1].records.at(0).evtId, "3");
+    EXPECT_EQ(upload.cookie, "token-1");
+}
+
+TEST(UploadChecker, TheCookieIsTheToken) {
+    TestUpload upload;
+    upload.cookie = "another";
+    EXPECT_EQ(kinds(check(upload)), List{"cookie"});
+}
+
+TEST(UploadChecker, TheCookieComesOnceAndInLowerCase) {
+    TestUpload twice;
+    twice.extraHeaders = "cookie: token-1\r\n";
+    EXPECT_EQ(kinds(check(twice)), List{"header"});
+    const TestUpload upload;
+    const auto body = upload.body();
+    auto head = upload.head(body.size());
+    head.replace(head.find("cookie"), 6, "Cookie");
+    EXPECT_EQ(kinds(checkUpload(head, body)), List{"header"});
+    head.erase(head.find("Cookie"), std::string("Cookie: token-1\r\n").size());
+    EXPECT_EQ(kinds(checkUpload(head, body)), (List{"header", "cookie"}));
+}
+
+TEST(UploadChecker, NoExpectHeader) {
+    TestUpload upload;
+    upload.extraHeaders = "Expect: 100-continue\r\n";
+    EXPECT_EQ(kinds(check(upload)), List{"header"});
+}
+
+TEST(UploadChecker, HeaderLinesAreWellFormed) {
+    for (const auto& line : std::vector<std::string>{"a b: c\r\n", "nothing\r\n", "a: b\n", "a: b\x01\r\n"}) {
+        TestUpload upload;
+        upload.extraHeaders = line;
+        EXPECT_EQ(kinds(check(upload)), List{"head"}) << line;
+    }
+}
+
+TEST(UploadChecker, EntriesAreStored) {
+    TestUpload upload;
+    upload.file = testing::archive({{"a.log", log({record("1")}) + std::string(0, 'x')}}, true);
+    const auto checked = check(upload);
+    EXPECT_EQ(kinds(checked), List{"method"});
+    EXPECT_EQ(checked.files.at(0).records.size(), 1U); // it is read all the same
+}
+
+TEST(UploadChecker, AWrongChecksumIsFoundAndTheOtherEntriesAreRead) {
+    TestUpload upload({{"a.log", log({record("marked")})}, {"b.log", log({record("2")})}});
+    upload.file.replace(upload.file.find("marked"), 6, "Marked");
+    const auto checked = check(upload);
+    EXPECT_EQ(kinds(checked), List{"checksum"});
+    EXPECT_FALSE(checked.files.at(0).readable);
+    EXPECT_TRUE(checked.files.at(0).records.empty());
+    EXPECT_TRUE(checked.files.at(1).readable);
+}
+
+TEST(UploadChecker, ACutArchiveIsUnreadable) {
+    TestUpload upload;
+    upload.file.resize(upload.file.size() - 10);
+    const auto checked = check(upload);
+    EXPECT_EQ(kinds(checked), List{"archive"});
+    EXPECT_FALSE(checked.readable);
+}
+
+TEST(UploadChecker, AnEmptyFileIsNoArchive) {
+    TestUpload upload;
+    upload.file.clear();
+    EXPECT_EQ(kinds(check(upload)), List{"archive"});
+}
+
+TEST(UploadChecker, EntryNamesArePlain) {
+    for (const std::string name : {"../a.log", "folder/a.log", "a.txt"}) {
+        EXPECT_EQ(kinds(check(TestUpload(TestUpload::Entries{{name, log({record("1")})}}))), List{"entryName"}) << name;
+    }
+}
+
+TEST(UploadChecker, AnEmptyLogIsAProblem) {
+    EXPECT_EQ(kinds(check(TestUpload(TestUpload::Entries{{"a.log", ""}}))), List{"empty"});
+}
+
+TEST(UploadChecker, ATornTailIsAProblemAndTheRecordsBeforeItCount) {
+    const auto upload = check(TestUpload({{"a.log", log({record("1")}) + "{\"evtId"}}));
+    EXPECT_EQ(kinds(upload), List{"tornTail"});
+    EXPECT_EQ(upload.files.at(0).records.size(), 1U);
+}
+
+TEST(UploadChecker, WhatIsNoRecordIsAProblem) {
+    EXPECT_EQ(kinds(check(TestUpload({{"a.log", "nonsense" + log({"", record("1")})}}))), List{"malformed"});
+}
+
+TEST(UploadChecker, LogsAreUTF8) {
+    EXPECT_EQ(kinds(check(TestUpload(TestUpload::Entries{{"a.log", "{\"a\":\"\xFF\"}jsonsplit"}}))),
+              (List{"utf8", "malformed"}));
+}
+
+TEST(ArchiveReader, RefusesNamesThatLeaveTheFolder) {
+    for (const auto* name : {"", ".", "..", "a/b", "a\\b", "a\nb"}) EXPECT_FALSE(isPlainFileName(name)) << name;
+    EXPECT_TRUE(isPlainFileName("07-03-2024T14-05-09-123.log"));
+}
+
+} // namespace
+} // namespace tallyfoot::collector
