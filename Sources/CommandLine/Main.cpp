@@ -1,3 +1,4 @@
+#include "CommandLine/CatCommand.h"
 #include "CommandLine/CollectCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -15,6 +16,7 @@ int main(int count, char** arguments) {
 
     int status = 0;
     tallyfoot::commandline::CollectCommand collect(app, status);
+    tallyfoot::commandline::CatCommand cat(app, status);
     try {
         app.parse(count, arguments);
     } catch (const CLI::ParseError& error) {

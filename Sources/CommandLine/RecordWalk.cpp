@@ -1,0 +1,88 @@
+#include "CommandLine/RecordWalk.h"
+
+#include "Collector/ArchiveReader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <vector>
+
+namespace tallyfoot::commandline {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::optional<std::string> read(const fs::path& path, const RecordVisitor& visitor) {
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (!file.is_open() || file.bad()) {
+        visitor.unreadable(path.string(), errno != 0 ? std::strerror(errno) : "cannot be read");
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+void walkLog(const std::string& name, std::string_view bytes, const RecordVisitor& visitor) {
+    collector::RecordReader reader(bytes);
+    while (const auto piece = reader.next()) {
+        if (piece->kind == collector::LogPiece::Kind::record) {
+            visitor.record(name, piece->text);
+        } else {
+            visitor.fragment(name, *piece);
+        }
+    }
+}
+
+void walkArchive(const std::string& name, std::string_view bytes, const RecordVisitor& visitor) {
+    const auto entries = collector::readArchive(bytes);
+    if (!entries) return visitor.unreadable(name, "no readable archive: " + entries.error().description);
+    for (const auto& entry : entries.value()) {
+        const auto log = name + ": " + entry.name;
+        if (!entry.error.empty()) visitor.unreadable(log, entry.error);
+        if (entry.error.empty()) walkLog(log, entry.bytes, visitor);
+    }
+}
+
+void walkFile(const fs::path& path, const RecordVisitor& visitor) {
+    const auto bytes = read(path, visitor);
+    if (!bytes) return;
+    if (path.extension() == ".zip") {
+        walkArchive(path.string(), *bytes, visitor);
+    } else {
+        walkLog(path.string(), *bytes, visitor);
+    }
+}
+
+bool isWanted(const fs::path& path) {
+    const auto extension = path.extension();
+    return (extension == ".log" || extension == ".zip") && !path.filename().string().starts_with('.');
+}
+
+void walkFolder(const fs::path& folder, const RecordVisitor& visitor) {
+    std::vector<fs::path> files;
+    std::error_code failure;
+    fs::recursive_directory_iterator entry(folder, failure);
+    while (!failure && entry != fs::recursive_directory_iterator()) {
+        std::error_code unknown; // a file that cannot be looked at shows when it is read
+        if (isWanted(entry->path()) && !entry->is_directory(unknown)) files.push_back(entry->path());
+        entry.increment(failure);
+    }
+    if (failure) visitor.unreadable(folder.string(), failure.message());
+    std::sort(files.begin(), files.end());
+    for (const auto& file : files) walkFile(file, visitor);
+}
+
+} // namespace
+
+void walkRecords(const fs::path& path, const RecordVisitor& visitor) {
+    std::error_code failure;
+    if (fs::is_directory(path, failure)) return walkFolder(path, visitor);
+    walkFile(path, visitor);
+}
+
+} // namespace tallyfoot::commandline
