@@ -28,7 +28,7 @@ enum Kind : unsigned {
     data = 0x4,
     asciiText = 0x5,
     utf16Text = 0x6,
-    uniqueID = 0x8,
+    identifierKind = 0x8,
     array = 0xA,
     dictionary = 0xD
 };
@@ -164,7 +164,7 @@ private:
         case data: return bytes(*found);
         case asciiText:
         case utf16Text: return boxed(text(*found));
-        case uniqueID: return identifier(*found);
+        case identifierKind: return identifier(*found);
         case array: return list(*found, depth);
         case dictionary: return entries(*found, depth);
         default: return std::nullopt;
@@ -221,8 +221,7 @@ private:
         if (!digits || digits->size() > 8) return std::nullopt;
         const auto value = bigEndian(*digits);
         if (value > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
-        return PropertyList{
-            PropertyList::Dictionary{{std::string(uniqueIDKey), PropertyList{static_cast<std::int64_t>(value)}}}};
+        return uniqueID(static_cast<std::uint32_t>(value));
     }
 
     std::uint64_t reference(std::string_view references, std::size_t at) const {
@@ -297,14 +296,6 @@ void appendText(std::string& into, std::string_view text) {
     for (const char16_t unit : units) appendBigEndian(into, unit, 2);
 }
 
-// Nothing unless the dictionary stands for a unique id.
-std::optional<std::uint64_t> uniqueIDOf(const PropertyList::Dictionary& entries) {
-    if (entries.size() != 1 || entries.begin()->first != uniqueIDKey) return std::nullopt;
-    const auto* number = entries.begin()->second.as<std::int64_t>();
-    if (number == nullptr || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
-    return static_cast<std::uint64_t>(*number);
-}
-
 // First every object gets its number, then all are written: the width of a reference depends on
 // how many there are.
 class Writer {
@@ -354,7 +345,7 @@ private:
         std::vector<std::size_t> references;
         if (const auto* elements = list.as<PropertyList::Array>()) {
             for (const auto& element : *elements) references.push_back(number(element));
-        } else if (const auto* entries = list.as<PropertyList::Dictionary>(); entries && !uniqueIDOf(*entries)) {
+        } else if (const auto* entries = list.as<PropertyList::Dictionary>(); entries && !uniqueIDOf(list)) {
             for (const auto& entry : *entries) references.push_back(numberText(entry.first));
             for (const auto& entry : *entries) references.push_back(number(entry.second));
         }
@@ -381,9 +372,9 @@ private:
 
     static void appendContainer(std::string& into, const Object& object, std::size_t referenceWidth) {
         if (const auto* entries = object.value->as<PropertyList::Dictionary>()) {
-            if (const auto identifier = uniqueIDOf(*entries)) {
+            if (const auto identifier = uniqueIDOf(*object.value)) {
                 const auto width = widthFor(*identifier);
-                into += static_cast<char>(uniqueID << 4U | (width - 1));
+                into += static_cast<char>(identifierKind << 4U | (width - 1));
                 return appendBigEndian(into, *identifier, width);
             }
             appendMarker(into, dictionary, entries->size());
@@ -402,5 +393,17 @@ private:
 std::optional<PropertyList> decoded(std::string_view bytes) { return Reader(bytes).read(); }
 
 std::string encoded(const PropertyList& list) { return Writer().write(list); }
+
+PropertyList uniqueID(std::uint32_t number) {
+    return {PropertyList::Dictionary{{std::string(uniqueIDKey), {std::int64_t{number}}}}};
+}
+
+std::optional<std::uint32_t> uniqueIDOf(const PropertyList& list) {
+    const auto* entries = list.as<PropertyList::Dictionary>();
+    if (entries == nullptr || entries->size() != 1 || entries->begin()->first != uniqueIDKey) return std::nullopt;
+    const auto* number = entries->begin()->second.as<std::int64_t>();
+    if (number == nullptr || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
+    return static_cast<std::uint32_t>(*number);
+}
 
 } // namespace tallyfoot::binarypropertylist

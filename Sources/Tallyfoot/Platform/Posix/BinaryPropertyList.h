@@ -3,6 +3,7 @@
 #include "Tallyfoot/Platform/PropertyList.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,5 +25,9 @@ std::optional<PropertyList> decoded(std::string_view bytes);
 
 // Equal texts are written once. Ill-formed UTF-8 becomes U+FFFD.
 std::string encoded(const PropertyList& list);
+
+// A unique id, as a property list holds it.
+PropertyList uniqueID(std::uint32_t number);
+std::optional<std::uint32_t> uniqueIDOf(const PropertyList& list);
 
 } // namespace tallyfoot::binarypropertylist

@@ -4,6 +4,7 @@
 #include "Tallyfoot/Platform/Posix/PosixConsole.h"
 #include "Tallyfoot/Platform/Posix/PosixDispatch.h"
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
+#include "Tallyfoot/Platform/Posix/PosixKeyedArchiver.h"
 #include "Tallyfoot/Platform/Posix/PosixNetworkInterfaces.h"
 #include "Tallyfoot/Platform/Posix/PosixProcessInfo.h"
 #include "Tallyfoot/Platform/Posix/PosixPropertyLists.h"
@@ -23,6 +24,7 @@ PlatformServices posixPlatformServices() {
     services.console = std::make_shared<PosixConsole>();
     services.dispatch = std::make_shared<PosixDispatch>();
     services.fileManager = std::make_shared<PosixFileManager>();
+    services.keyedArchiver = std::make_shared<PosixKeyedArchiver>();
     services.networkInterfaces = std::make_shared<PosixNetworkInterfaces>();
     services.processInfo = std::make_shared<PosixProcessInfo>();
     services.propertyLists = propertyLists;

@@ -20,12 +20,12 @@ class TagScanner {
 public:
     explicit TagScanner(std::string_view rest) : rest_(rest) {}
 
-    bool isShallow() {
+    bool isWholeAndShallow() {
         for (auto at = rest_.find('<'); at != std::string_view::npos; at = rest_.find('<')) {
             rest_.remove_prefix(at);
             if (!skipConstruct()) return false;
         }
-        return true;
+        return depth_ == 0; // libplist takes what comes before a list's end for all of it
     }
 
 private:
@@ -79,7 +79,7 @@ struct BinaryDeleter {
 } // namespace
 
 std::optional<PropertyList> decoded(std::string_view bytes) {
-    if (bytes.size() > std::numeric_limits<std::uint32_t>::max() || !TagScanner(bytes).isShallow()) return std::nullopt;
+    if (bytes.size() > std::numeric_limits<std::uint32_t>::max() || !TagScanner(bytes).isWholeAndShallow()) return std::nullopt;
     plist_t parsed = nullptr;
     plist_from_xml(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &parsed);
     const std::unique_ptr<void, NodeDeleter> node(parsed);
