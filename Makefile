@@ -81,10 +81,10 @@ bench: ## the ratios that the library promises, measured here
 
 .PHONY: fuzz-short
 fuzz-short: ## half a minute of fuzzing for each target
-	@Scripts/install-dependencies build test check
-	$(call configured,clang)
-	@cmake --build --preset clang
-	@Scripts/run-fuzzers build/clang 30
+	@Scripts/install-dependencies build sanitize
+	$(call configured,fuzz)
+	@cmake --build --preset fuzz
+	@Scripts/run-fuzzers build/fuzz 30
 
 .PHONY: install
 install: ## the library, its package files and the tool, below PREFIX (/usr/local)
