@@ -39,13 +39,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto names = tallyfoot::Archive::unpack(fileManager, archive, folder.string());
     if (names)
         for (const auto& name : names.value())
-            fuzzing::require(std::filesystem::is_regular_file(folder / name),
-                             "every name given is a file in the folder");
+            tallyfoot::fuzzing::require(std::filesystem::is_regular_file(folder / name),
+                                        "every name given is a file in the folder");
     std::size_t outside = 0;
     for (const auto& entry : std::filesystem::directory_iterator(scratch.path / "outer"))
         outside += entry.path() == folder ? 0 : 1;
     for (const auto& entry : std::filesystem::directory_iterator(scratch.path))
         outside += entry.path().filename() == "outer" || entry.path() == archive ? 0 : 1;
-    fuzzing::require(outside == 0, "nothing is written outside the folder");
+    tallyfoot::fuzzing::require(outside == 0, "nothing is written outside the folder");
     return 0;
 }

@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto read = lists.propertyList(std::string_view(reinterpret_cast<const char*>(data), size));
     if (!read || !(*read == *read)) return 0; // a number that is none equals nothing
     const auto again = lists.propertyList(lists.data(*read));
-    fuzzing::require(again.has_value(), "what is written can be read");
-    fuzzing::require(*again == *read, "what is written reads back the same");
+    tallyfoot::fuzzing::require(again.has_value(), "what is written can be read");
+    tallyfoot::fuzzing::require(*again == *read, "what is written reads back the same");
     return 0;
 }
