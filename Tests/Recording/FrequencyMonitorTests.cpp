@@ -1,6 +1,6 @@
-#include "Recording/MemoryUserDefaults.h"
 #include "Support/ManualClock.h"
 #include "Support/ManualDispatch.h"
+#include "Support/MemoryUserDefaults.h"
 #include "Support/Occurrences.h"
 #include "Support/RecordingConsole.h"
 
@@ -329,6 +329,7 @@ TEST_F(FrequencyMonitorTest, AfterStopNoTickBegins) {
         monitor->restart();
         triggers = 0;
         monitor->stop();
+        EXPECT_EQ(dispatch.armedTimers(), 0U);
         dispatch.advance(600s);
         EXPECT_EQ(triggers, 0);
     }

@@ -23,6 +23,7 @@ public:
     void schedule(std::chrono::nanoseconds deadline, std::optional<std::chrono::nanoseconds> repeating,
                   std::chrono::nanoseconds leeway) override {
         log_->modify([&](TimerLog& log) {
+            EXPECT_FALSE(log.isCancelled) << "scheduled after being cancelled";
             log.deadline = deadline;
             log.repeating = repeating;
             log.leeway = leeway;
