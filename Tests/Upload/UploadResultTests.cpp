@@ -119,7 +119,8 @@ TEST(UploadResult, AnythingButAnArrayOfTextsDoesNotDecode) {
     for (const auto* key : {"success", "failure"})
         for (const nlohmann::json& value :
              {nlohmann::json("1.log"), nlohmann::json(1), nlohmann::json(false), nlohmann::json{{"a", "b"}},
-              nlohmann::json{"1.log", 2}, nlohmann::json{"1.log", nullptr}, nlohmann::json{nlohmann::json{"1.log"}}})
+              nlohmann::json{"1.log", 2}, nlohmann::json{"1.log", nullptr},
+              nlohmann::json::array({nlohmann::json::array({"1.log"})})})
             EXPECT_EQ(errorOf(goodBut(key, value)),
                       "The response's \"" + std::string(key) + "\" is not an array of texts")
                 << value;
