@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
 
     static tallyfoot::PosixFileManager fileManager;
-    const auto names = tallyfoot::Archive::unpack(fileManager, archive, folder.string());
+    const auto names = tallyfoot::Archive::unpack(fileManager, archive, folder.string() + "/");
     if (names)
         for (const auto& name : names.value())
             tallyfoot::fuzzing::require(std::filesystem::is_regular_file(folder / name),

@@ -74,7 +74,7 @@ protected:
     }
     Result<std::vector<std::string>> unpack() {
         fs::create_directories(target);
-        return Archive::unpack(fileManager, archive, target);
+        return Archive::unpack(fileManager, archive, target + "/");
     }
     std::string failure() {
         const auto names = unpack();
@@ -309,7 +309,7 @@ TEST_F(ArchiveTest, AnEncryptedEntryFails) {
 
 TEST_F(ArchiveTest, ATargetThatCannotBeWrittenFails) {
     writeArchive(archive, {{"a.log", "1"}});
-    EXPECT_FALSE(Archive::unpack(fileManager, archive, folder / "none"));
+    EXPECT_FALSE(Archive::unpack(fileManager, archive, folder / "none/"));
 }
 
 } // namespace

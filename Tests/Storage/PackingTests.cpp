@@ -30,7 +30,7 @@ protected:
         if (archives.empty()) return {};
         const auto target = support / "unpacked";
         fs::create_directories(target);
-        const auto unpacked = Archive::unpack(fileManager, path(Folder::backup, archives.front()), target);
+        const auto unpacked = Archive::unpack(fileManager, path(Folder::backup, archives.front()), target + "/");
         EXPECT_TRUE(unpacked);
         return unpacked ? unpacked.value() : std::vector<std::string>();
     }
@@ -177,18 +177,20 @@ TEST_F(PackingTest, AFileGoneBeforeItIsReadIsNoError) {
     public:
         Vanishing(FileManager& next, std::string path) : RelayFileManager(next), path_(std::move(path)) {}
 
-        Result<void> createDirectory(const std::string& folder) override { // just before packing
-            fs::remove(path_);
-            return RelayFileManager::createDirectory(folder);
+        Result<FileAttributes> attributesOfItem(const std::string& path) const override { // seen, then gone
+            auto attributes = RelayFileManager::attributesOfItem(path);
+            if (path == path_) fs::remove(path_);
+            return attributes;
         }
 
     private:
         std::string path_;
     };
+    Vanishing disk(fileManager, path(Folder::upload, "a.log"));
+    const auto vanishing = makeFileHandler(disk);
     put(Folder::upload, "a.log", "1");
     put(Folder::upload, "b.log", "2");
-    Vanishing disk(fileManager, path(Folder::upload, "a.log"));
-    makeFileHandler(disk)->zip(directly);
+    vanishing->zip(directly);
     EXPECT_THAT(packedNames(), ElementsAre("b.log"));
     EXPECT_THAT(console.text(), ::testing::Not(HasSubstr("Error")));
 }
@@ -241,18 +243,33 @@ TEST_F(PackingTest, AnotherHandlerOfTheFolderLeavesThePackingAlone) {
 
 TEST_F(PackingTest, WhatAKilledRunLeftUnfinishedGoesAtTheNextStart) {
     put(Folder::upload, "a.log", "1");
-    put(Folder::backup, ".work-1/archive.zip.XYZ", "half an archive");
-    put(Folder::backup, ".work-99/entries/b.log", "half a restore");
-    put(Folder::backup, ".work-98/kept/c.log", "packed and in place");
-    put(Folder::backup, ".other", "not ours");
+    put(Folder::backup, ".work-1.archive.zip.XYZ", "half an archive");
+    put(Folder::backup, ".work-99.entry.b.log", "half a restore");
+    put(Folder::backup, ".work-99.waste.b.zip", "a restored archive");
+    put(Folder::backup, ".work-98.taken.c.log", "packed, and the archive is in place");
+    put(Folder::backup, ".file-77.tmp", "");
     makeFileHandler();
-    EXPECT_THAT(names(Folder::backup), ElementsAre(".other"));
+    EXPECT_THAT(names(Folder::backup), IsEmpty());
     EXPECT_THAT(names(Folder::upload), ElementsAre("a.log"));
 }
 
-TEST_F(PackingTest, FilesTakenByAKilledRunReturn) {
-    put(Folder::backup, ".work-1/taken/a.log", "onejsonsplit");
-    put(Folder::backup, ".work-1/archive.zip", "an archive not yet in place");
+TEST_F(PackingTest, FilesTakenByAKilledRunReturnIfTheirArchiveIsNotInPlace) {
+    put(Folder::backup, ".work-1.taken.a.log", "onejsonsplit");
+    put(Folder::backup, ".work-1.archive.zip", "an archive not yet in place");
+    put(Folder::backup, ".work-10.taken.b.log", "another one's");
+    makeFileHandler();
+    EXPECT_EQ(bytes(Folder::upload, "a.log"), "onejsonsplit");
+    EXPECT_THAT(names(Folder::upload), ElementsAre("a.log"));
+    EXPECT_THAT(names(Folder::backup), IsEmpty());
+}
+
+TEST_F(PackingTest, AFileThatCannotReturnIsKeptUntilItCan) {
+    put(Folder::backup, ".work-1.taken.a.log", "onejsonsplit");
+    put(Folder::backup, ".work-1.archive.zip", "an archive not yet in place");
+    put(Folder::upload, "a.log", "a namesake");
+    makeFileHandler();
+    EXPECT_EQ(bytes(Folder::backup, ".work-1.taken.a.log"), "onejsonsplit");
+    fs::remove(path(Folder::upload, "a.log"));
     makeFileHandler();
     EXPECT_EQ(bytes(Folder::upload, "a.log"), "onejsonsplit");
     EXPECT_THAT(names(Folder::backup), IsEmpty());
@@ -263,7 +280,7 @@ TEST_F(PackingTest, FilesReturnWhenTheArchiveCannotBePutInPlace) {
     public:
         using RelayFileManager::RelayFileManager;
         Result<void> moveItem(const std::string& source, const std::string& destination) override {
-            if (source.ends_with("/archive.zip")) return Error{"stuck"};
+            if (source.ends_with(".archive.zip")) return Error{"stuck"};
             return RelayFileManager::moveItem(source, destination);
         }
     };

@@ -118,7 +118,7 @@ Result<void> Archive::pack(const std::vector<std::string>& filePaths, const std:
 }
 
 Result<std::vector<std::string>> Archive::unpack(FileManager& fileManager, const std::string& archivePath,
-                                                 const std::string& folder) {
+                                                 const std::string& pathPrefix) {
     const auto attributes = fileManager.attributesOfItem(archivePath);
     if (!attributes) return attributes.error();
     auto archive = open(archivePath, ZIP_RDONLY);
@@ -128,7 +128,7 @@ Result<std::vector<std::string>> Archive::unpack(FileManager& fileManager, const
     std::vector<std::string> names;
     names.reserve(entries.value().size());
     for (const auto& entry : entries.value()) {
-        auto extracted = extract(fileManager, archive.value().get(), entry, folder + '/' + entry.name);
+        auto extracted = extract(fileManager, archive.value().get(), entry, pathPrefix + entry.name);
         if (!extracted) return extracted.error();
         names.emplace_back(entry.name);
     }

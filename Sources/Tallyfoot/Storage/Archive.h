@@ -15,11 +15,12 @@ public:
     // Makes the archive, all of it or none; it must not exist yet. No files: nothing is done.
     static Result<void> pack(const std::vector<std::string>& filePaths, const std::string& archivePath);
 
-    // Extracts every entry into the folder and gives their names, in the archive's order. An archive
-    // with an entry that is damaged, that another one names too, that is no plain file name or that
-    // swells beyond belief fails as a whole; what was extracted until then is the caller's to remove.
+    // Extracts every entry into a new file whose path is the prefix and the entry's name, and gives
+    // the names, in the archive's order. An archive with an entry that is damaged, that another one
+    // names too, that is no plain file name or that swells beyond belief fails as a whole; what was
+    // extracted until then is the caller's to remove.
     static Result<std::vector<std::string>> unpack(FileManager& fileManager, const std::string& archivePath,
-                                                   const std::string& folder);
+                                                   const std::string& pathPrefix);
 };
 
 } // namespace tallyfoot

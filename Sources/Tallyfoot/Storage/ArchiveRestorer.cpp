@@ -13,8 +13,6 @@ using Folder = AppFolder::Folder;
 
 namespace {
 
-constexpr std::string_view entriesName = "entries";
-
 Exclusive<std::set<std::string>>& archivesAtWork() {
     static auto& archives = *new Exclusive<std::set<std::string>>;
     return archives;
@@ -60,7 +58,7 @@ bool ArchiveRestorer::isRestoring(const std::string& archivePath) {
 void ArchiveRestorer::restore(const std::string& archivePath, const std::vector<std::string>& delivered, Turn turn) {
     const Claim claim(archivePath);
     if (!claim) return report({"the archive is being restored already"});
-    WorkFolder work(fileManager_, appFolder_.path(Folder::backup), appFolder_.path(Folder::upload));
+    WorkFiles work(fileManager_, appFolder_.path(Folder::backup), appFolder_.path(Folder::upload));
     auto unpacked = unpack(archivePath, work);
     if (!unpacked) return report(unpacked.error());
     auto& entries = unpacked.value();
@@ -87,10 +85,8 @@ void ArchiveRestorer::restore(const std::string& archivePath, const std::vector<
     }
 }
 
-Result<ArchiveRestorer::Entries> ArchiveRestorer::unpack(const std::string& archivePath, WorkFolder& work) const {
-    const auto folder = work / entriesName;
-    if (auto created = fileManager_.createDirectory(folder); !created) return created.error();
-    auto names = Archive::unpack(fileManager_, archivePath, folder);
+Result<ArchiveRestorer::Entries> ArchiveRestorer::unpack(const std::string& archivePath, WorkFiles& work) const {
+    auto names = Archive::unpack(fileManager_, archivePath, work.entryPath({}));
     if (!names) return names.error();
     Entries entries;
     for (auto& name : names.value()) {
@@ -100,9 +96,9 @@ Result<ArchiveRestorer::Entries> ArchiveRestorer::unpack(const std::string& arch
     return entries;
 }
 
-std::optional<FileAttributes> ArchiveRestorer::twin(const std::string& name, const WorkFolder& work) const {
+std::optional<FileAttributes> ArchiveRestorer::twin(const std::string& name, const WorkFiles& work) const {
     const auto there = appFolder_.path(Folder::upload, name);
-    const auto restored = (work / entriesName) + '/' + name;
+    const auto restored = work.entryPath(name);
     const auto attributes = fileManager_.attributesOfItem(there);
     const auto restoredAttributes = fileManager_.attributesOfItem(restored);
     if (!attributes || !restoredAttributes || attributes.value().isDirectory) return {};
@@ -119,12 +115,12 @@ bool ArchiveRestorer::isTwinThere(const std::string& name, const Entry& entry) c
     return there && isSame(there.value(), *entry.twin);
 }
 
-Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, const WorkFolder& work) {
+Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, const WorkFiles& work) {
     // What was delivered never comes into sight.
     if (entry.isDelivered || isTwinThere(name, entry)) return {};
     auto path = appFolder_.path(Folder::upload, name);
     if (fileManager_.fileExists(path)) path = appFolder_.path(Folder::upload, names_.next(extension(name)));
-    auto moved = fileManager_.moveItem((work / entriesName) + '/' + name, path);
+    auto moved = fileManager_.moveItem(work.entryPath(name), path);
     if (moved) entry.restoredPath = std::move(path);
     return moved;
 }
@@ -136,10 +132,9 @@ void ArchiveRestorer::takeBack(const Entries& entries) {
 }
 
 void ArchiveRestorer::finish(const std::string& archivePath, const std::vector<std::string>& delivered,
-                             Entries& entries, const WorkFolder& work) {
+                             Entries& entries, WorkFiles& work) {
     // Out of Backup at once; the work of deleting need not hold the turn.
-    if (!fileManager_.moveItem(archivePath, work / lastPathComponent(archivePath)))
-        (void)appFolder_.remove(archivePath);
+    if (!work.discard(archivePath)) (void)appFolder_.remove(archivePath);
     for (const auto& name : delivered) {
         const auto entry = entries.find(name);
         removeDelivered(name, entry == entries.end() ? nullptr : &entry->second);

@@ -5,7 +5,7 @@
 #include "Tallyfoot/Storage/AppFolder.h"
 #include "Tallyfoot/Storage/DatedNames.h"
 #include "Tallyfoot/Storage/Turn.h"
-#include "Tallyfoot/Storage/WorkFolder.h"
+#include "Tallyfoot/Storage/WorkFiles.h"
 
 #include <map>
 #include <optional>
@@ -44,13 +44,13 @@ private:
     };
     using Entries = std::map<std::string, Entry>; // by name
 
-    Result<Entries> unpack(const std::string& archivePath, WorkFolder& work) const;
-    std::optional<FileAttributes> twin(const std::string& name, const WorkFolder& work) const;
+    Result<Entries> unpack(const std::string& archivePath, WorkFiles& work) const;
+    std::optional<FileAttributes> twin(const std::string& name, const WorkFiles& work) const;
     bool isTwinThere(const std::string& name, const Entry& entry) const;
-    Result<void> putInPlace(const std::string& name, Entry& entry, const WorkFolder& work);
+    Result<void> putInPlace(const std::string& name, Entry& entry, const WorkFiles& work);
     void takeBack(const Entries& entries);
     void finish(const std::string& archivePath, const std::vector<std::string>& delivered, Entries& entries,
-                const WorkFolder& work);
+                WorkFiles& work);
     void removeDelivered(const std::string& name, Entry* entry);
     void report(const Error& error) const;
 

@@ -4,7 +4,7 @@
 #include "Tallyfoot/Storage/ArchiveRestorer.h"
 #include "Tallyfoot/Storage/LogPacker.h"
 #include "Tallyfoot/Storage/PathNames.h"
-#include "Tallyfoot/Storage/WorkFolder.h"
+#include "Tallyfoot/Storage/WorkFiles.h"
 
 #include <algorithm>
 #include <utility>
@@ -24,8 +24,8 @@ FileHandler::FileHandler(Collaborators collaborators, std::shared_ptr<const Uplo
                                                                    configuration_->storageSize().inBytes()},
       names_(collaborators_.fileManager, collaborators_.clock, *appFolder_) {
     appFolder_->createFolders();
-    WorkFolder::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup),
-                                appFolder_->path(Folder::upload));
+    WorkFiles::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup),
+                               appFolder_->path(Folder::upload));
     restoreArchives(isInFlight);
     trim();
     if (isCurrentApplication) {

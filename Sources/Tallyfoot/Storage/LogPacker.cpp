@@ -9,12 +9,6 @@ namespace tallyfoot {
 
 using Folder = AppFolder::Folder;
 
-namespace {
-
-constexpr std::string_view archiveName = "archive.zip";
-
-} // namespace
-
 LogPacker::LogPacker(FileManager& fileManager, DebugConsole console, AppFolder& appFolder, const DatedNames& names)
     : fileManager_(fileManager), console_(console), appFolder_(appFolder), names_(names) {}
 
@@ -40,7 +34,7 @@ LogPacker::Logs LogPacker::closedLogs(Turn turn) {
 }
 
 LogPacker::Outcome LogPacker::attempt(const Logs& logs, Turn turn) {
-    WorkFolder work(fileManager_, appFolder_.path(Folder::backup), appFolder_.path(Folder::upload));
+    WorkFiles work(fileManager_, appFolder_.path(Folder::backup), appFolder_.path(Folder::upload));
     if (const auto packed = pack(logs, work); !packed) {
         if (!areUnchanged(logs)) return Outcome::changed;
         report(packed.error().description);
@@ -55,7 +49,7 @@ LogPacker::Outcome LogPacker::attempt(const Logs& logs, Turn turn) {
     bool isStillWanted = true;
     turn([&] {
         // Gone with all logs, when the user has changed meanwhile.
-        isStillWanted = fileManager_.fileExists(work / archiveName);
+        isStillWanted = fileManager_.fileExists(work.archivePath());
         if (isStillWanted) done = finish(*stuck, work);
         if (!done) work.giveBack();
     });
@@ -68,12 +62,11 @@ LogPacker::Outcome LogPacker::attempt(const Logs& logs, Turn turn) {
     return Outcome::packed;
 }
 
-Result<void> LogPacker::pack(const Logs& logs, WorkFolder& work) const {
-    if (auto created = work.create(); !created) return created;
+Result<void> LogPacker::pack(const Logs& logs, WorkFiles& work) const {
     std::vector<std::string> paths;
     paths.reserve(logs.size());
     for (const auto& log : logs) paths.push_back(appFolder_.path(Folder::upload, log.name));
-    return Archive::pack(paths, work / archiveName);
+    return Archive::pack(paths, work.archivePath());
 }
 
 bool LogPacker::areUnchanged(const Logs& logs) const {
@@ -85,7 +78,7 @@ bool LogPacker::isUnchanged(const AppFolder::Item& log) const {
     return now && now.value().size == log.attributes->size && now.value().creationDate == log.attributes->creationDate;
 }
 
-std::optional<LogPacker::Names> LogPacker::take(const Logs& logs, WorkFolder& work, Turn turn) const {
+std::optional<LogPacker::Names> LogPacker::take(const Logs& logs, WorkFiles& work, Turn turn) const {
     Names stuck;
     bool areAsNoted = true;
     for (auto log = logs.begin(); log != logs.end() && areAsNoted;) {
@@ -99,18 +92,17 @@ std::optional<LogPacker::Names> LogPacker::take(const Logs& logs, WorkFolder& wo
     return areAsNoted ? std::optional(std::move(stuck)) : std::nullopt;
 }
 
-Result<void> LogPacker::finish(const Names& stuck, WorkFolder& work) {
+Result<void> LogPacker::finish(const Names& stuck, WorkFiles& work) {
     const auto archive = appFolder_.path(Folder::backup, names_.next(".zip"));
-    if (auto moved = fileManager_.moveItem(work / archiveName, archive); !moved) return moved;
-    work.keep();
+    if (auto moved = fileManager_.moveItem(work.archivePath(), archive); !moved) return moved;
     for (const auto& name : stuck) (void)appFolder_.remove(appFolder_.path(Folder::upload, name)); // says why not
     return {};
 }
 
-void LogPacker::echo(const Logs& logs, const WorkFolder& work) const {
+void LogPacker::echo(const Logs& logs, const WorkFiles& work) const {
     for (const auto& log : logs) {
         if (!console_.isOn()) return;
-        const auto text = fileManager_.contents(work.keptPath(log.name));
+        const auto text = fileManager_.contents(work.takenPath(log.name));
         if (!text) continue;
         constexpr std::string_view frame = "*******\n";
         std::string block;

@@ -5,7 +5,7 @@
 #include "Tallyfoot/Storage/AppFolder.h"
 #include "Tallyfoot/Storage/DatedNames.h"
 #include "Tallyfoot/Storage/Turn.h"
-#include "Tallyfoot/Storage/WorkFolder.h"
+#include "Tallyfoot/Storage/WorkFiles.h"
 
 #include <optional>
 #include <string>
@@ -45,13 +45,13 @@ private:
 
     Logs closedLogs(Turn turn);
     Outcome attempt(const Logs& logs, Turn turn);
-    Result<void> pack(const Logs& logs, WorkFolder& work) const;
+    Result<void> pack(const Logs& logs, WorkFiles& work) const;
     bool areUnchanged(const Logs& logs) const;
     bool isUnchanged(const AppFolder::Item& log) const;
     using Names = std::vector<std::string>;
-    std::optional<Names> take(const Logs& logs, WorkFolder& work, Turn turn) const; // those that cannot be taken
-    Result<void> finish(const Names& stuck, WorkFolder& work);
-    void echo(const Logs& logs, const WorkFolder& work) const;
+    std::optional<Names> take(const Logs& logs, WorkFiles& work, Turn turn) const; // those that cannot be taken
+    Result<void> finish(const Names& stuck, WorkFiles& work);
+    void echo(const Logs& logs, const WorkFiles& work) const;
     void report(std::string_view error) const;
 
     FileManager& fileManager_;

@@ -1,0 +1,124 @@
+#include "Tallyfoot/Storage/WorkFiles.h"
+
+#include "Tallyfoot/Platform/Exclusive.h"
+#include "Tallyfoot/Storage/PathNames.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace tallyfoot {
+
+namespace {
+
+// ".work-7.archive.zip", ".work-7.taken.<name>", ".work-7.entry.<name>", ".work-7.waste.<name>"
+constexpr std::string_view start = ".work-";
+constexpr std::string_view archive = "archive.zip";
+constexpr std::string_view taken = "taken.";
+constexpr std::string_view entry = "entry.";
+constexpr std::string_view waste = "waste.";
+
+std::string joined(std::string_view folder, std::string_view name) {
+    return std::string(folder).append("/").append(name);
+}
+
+std::string joined(std::string_view folder, std::string_view prefix, std::string_view name) {
+    return joined(folder, prefix).append(name);
+}
+
+std::string joined(std::string_view folder, std::string_view prefix, std::string_view kind, std::string_view name) {
+    return joined(folder, prefix, kind).append(name);
+}
+
+// By folder and prefix.
+Exclusive<std::set<std::string>>& inUse() {
+    static auto& prefixes = *new Exclusive<std::set<std::string>>;
+    return prefixes;
+}
+
+std::vector<std::string> names(const FileManager& fileManager, const std::string& folder, std::string_view prefix) {
+    auto contents = fileManager.contentsOfDirectory(folder);
+    if (!contents) return {};
+    std::erase_if(contents.value(), [&](const std::string& name) { return !name.starts_with(prefix); });
+    return std::move(contents.value());
+}
+
+std::string unusedPrefix(const FileManager& fileManager, const std::string& backup) {
+    static std::atomic<std::uint64_t> last{0};
+    while (true) {
+        auto prefix = std::string(start) + std::to_string(++last) + '.';
+        if (names(fileManager, backup, prefix).empty()) return prefix;
+    }
+}
+
+// Whether nothing is left that was taken.
+bool giveBack(FileManager& fileManager, const std::string& backup, const std::string& upload,
+              const std::string& prefix) {
+    bool isAll = true;
+    const auto takenPrefix = prefix + std::string(taken);
+    for (const auto& name : names(fileManager, backup, takenPrefix)) {
+        const auto formerName = std::string_view(name).substr(takenPrefix.size());
+        if (!fileManager.moveItem(joined(backup, name), joined(upload, formerName))) isAll = false;
+    }
+    return isAll;
+}
+
+void dissolve(FileManager& fileManager, const std::string& backup, const std::string& upload,
+              const std::string& prefix) {
+    // The archive goes last: until then it says where the rest belongs.
+    const auto archivePath = joined(backup, prefix, archive);
+    const bool isUnfinished = fileManager.fileExists(archivePath);
+    if (isUnfinished && !giveBack(fileManager, backup, upload, prefix)) return;
+    for (const auto& name : names(fileManager, backup, prefix)) {
+        if (const auto path = joined(backup, name); path != archivePath) (void)fileManager.removeItem(path);
+    }
+    if (isUnfinished) (void)fileManager.removeItem(archivePath);
+}
+
+} // namespace
+
+WorkFiles::WorkFiles(FileManager& fileManager, std::string backup, std::string upload)
+    : fileManager_(fileManager), backup_(std::move(backup)), upload_(std::move(upload)),
+      prefix_(unusedPrefix(fileManager, backup_)) {
+    inUse().modify([&](auto& prefixes) { prefixes.insert(joined(backup_, prefix_)); });
+}
+
+WorkFiles::~WorkFiles() {
+    dissolve(fileManager_, backup_, upload_, prefix_);
+    inUse().modify([&](auto& prefixes) { prefixes.erase(joined(backup_, prefix_)); });
+}
+
+std::string WorkFiles::archivePath() const { return joined(backup_, prefix_, archive); }
+
+std::string WorkFiles::entryPath(std::string_view name) const { return joined(backup_, prefix_, entry, name); }
+
+std::string WorkFiles::takenPath(std::string_view name) const { return joined(backup_, prefix_, taken, name); }
+
+Result<void> WorkFiles::take(const std::string& name) {
+    return fileManager_.moveItem(joined(upload_, name), takenPath(name));
+}
+
+Result<void> WorkFiles::discard(const std::string& path) {
+    return fileManager_.moveItem(path, joined(backup_, prefix_, waste, lastPathComponent(path)));
+}
+
+void WorkFiles::giveBack() { (void)tallyfoot::giveBack(fileManager_, backup_, upload_, prefix_); }
+
+void WorkFiles::removeAbandoned(FileManager& fileManager, const std::string& backup, const std::string& upload) {
+    const auto used = inUse().copy();
+    std::set<std::string> prefixes;
+    for (const auto& name : names(fileManager, backup, start)) prefixes.insert(name.substr(0, name.find('.', 1) + 1));
+    for (const auto& prefix : prefixes) {
+        if (!used.contains(joined(backup, prefix))) dissolve(fileManager, backup, upload, prefix);
+    }
+    const auto folder = backup + '/';
+    if (std::ranges::any_of(used, [&](const auto& prefix) { return prefix.starts_with(folder); })) return;
+    for (const auto& name : names(fileManager, backup, ".")) { // what a killed write had not renamed yet
+        if (!name.starts_with(start)) (void)fileManager.removeItem(joined(backup, name));
+    }
+}
+
+} // namespace tallyfoot
