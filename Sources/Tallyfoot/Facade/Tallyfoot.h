@@ -57,18 +57,26 @@ public:
     // ignored category, without any attribute, or before the recording has started. Custom data that
     // cannot be serialised is left out and its event kept. A type given as a text is written as it is.
 
-    static void log(EventType type, Attributes attributes, const CustomAttributes& customAttributes = std::nullopt) noexcept;
-    static void log(std::string_view type, Attributes attributes, const CustomAttributes& customAttributes = std::nullopt) noexcept;
+    static void log(EventType type, Attributes attributes,
+                    const CustomAttributes& customAttributes = std::nullopt) noexcept;
+    static void log(std::string_view type, Attributes attributes,
+                    const CustomAttributes& customAttributes = std::nullopt) noexcept;
 
     // Custom data as JSON text; one that does not begin with "[" becomes an array of one.
-    static void logJSON(EventType type, Attributes attributes, std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
-    static void logJSON(std::string_view type, Attributes attributes, std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
+    static void logJSON(EventType type, Attributes attributes,
+                        std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
+    static void logJSON(std::string_view type, Attributes attributes,
+                        std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
 
     // Attributes by record key; unknown keys are dropped.
-    static void logEvent(EventType type, const TextAttributes& attributes, const CustomAttributes& customAttributes = std::nullopt) noexcept;
-    static void logEvent(std::string_view type, const TextAttributes& attributes, const CustomAttributes& customAttributes = std::nullopt) noexcept;
-    static void logJSONEvent(EventType type, const TextAttributes& attributes, std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
-    static void logJSONEvent(std::string_view type, const TextAttributes& attributes, std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
+    static void logEvent(EventType type, const TextAttributes& attributes,
+                         const CustomAttributes& customAttributes = std::nullopt) noexcept;
+    static void logEvent(std::string_view type, const TextAttributes& attributes,
+                         const CustomAttributes& customAttributes = std::nullopt) noexcept;
+    static void logJSONEvent(EventType type, const TextAttributes& attributes,
+                             std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
+    static void logJSONEvent(std::string_view type, const TextAttributes& attributes,
+                             std::optional<std::string_view> customJSONAttributes = std::nullopt) noexcept;
 
     // --- Settings -----------------------------------------------------------------------------
 
@@ -105,10 +113,11 @@ public:
     Tallyfoot(const Tallyfoot&) = delete;
     Tallyfoot& operator=(const Tallyfoot&) = delete;
 
+    struct Implementation; // the library's own
+
 private:
     Tallyfoot();
     ~Tallyfoot();
-    struct Implementation;
     std::unique_ptr<Implementation> implementation_;
 };
 

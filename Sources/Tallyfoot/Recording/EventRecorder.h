@@ -46,7 +46,8 @@ public:
                                                AuthenticationHandler authenticationHandler);
     ~EventRecorder();
 
-    // One formatted event. On disk and counted when the call returns.
+    // One formatted event. On disk and counted when the call returns. The text is made into the
+    // stored record in place, so that the caller's buffer can serve again.
     void record(std::string& line);
 
     // Closes the current file and sends what is closed. What comes while another call is at it is ignored.
@@ -55,11 +56,55 @@ public:
     // From now on records belong to this application; what the former ones left is uploaded.
     void switchApplication(std::shared_ptr<ApplicationInfo> appInfo);
 
-    void setAuthenticationHandler(AuthenticationHandler handler);
     std::shared_ptr<Authentication> authenticationInfo() const;
     std::shared_ptr<ApplicationInfo> appInfo() const;
 
 private:
+    EventRecorder(PlatformServices services, const Settings& settings,
+                  std::shared_ptr<UploadConfiguration> configuration, std::shared_ptr<ApplicationInfo> appInfo,
+                  AuthenticationHandler authenticationHandler);
+
+    // With the turn held.
+    void setUp(const std::shared_ptr<ApplicationInfo>& appInfo);
+    void uploadOldApplications();
+    void forgetIfOld(FileHandler& fileHandler);
+    void checkUser(const Authentication& refreshed, FileHandler& fileHandler);
+    void setEventCount(std::int64_t count);
+    std::shared_ptr<FileHandler> makeFileHandler(std::shared_ptr<const ApplicationInfo> appInfo, bool isCurrent);
+
+    // Without it.
+    std::shared_ptr<Authentication> askForAuthentication() const;
+    void submitUpload(std::shared_ptr<FileHandler> fileHandler);
+    void upload(const std::shared_ptr<FileHandler>& fileHandler);
+    void completeUpload(FileHandler& fileHandler, const std::string& archivePath,
+                        const UploadManager::Outcome& outcome);
+    void refreshAuthentication(FileHandler& fileHandler);
+    UploadManager::Parameters bodyParameters(const ApplicationInfo& appInfo, const Authentication& sender) const;
+    void printSummary(const UploadManager::Parameters& parameters) const;
+
+    void inTurn(FunctionRef<void()> block) { queue_->sync(block); }
+
+    const PlatformServices services_;
+    const Settings& settings_;
+    const DebugConsole console_;
+    const std::shared_ptr<UploadConfiguration> configuration_;
+    const AuthenticationHandler authenticationHandler_;
+    const std::shared_ptr<DispatchQueue> queue_;
+    const std::shared_ptr<DispatchQueue> uploadQueue_;
+    std::shared_ptr<UploadManager> uploadManager_;
+    std::atomic<bool> isUploading_ = false; // a trigger is at work; never held across an upload
+
+    Exclusive<std::shared_ptr<Authentication>> authenticationInfo_;
+    Exclusive<std::shared_ptr<ApplicationInfo>> appInfo_;
+
+    // Belongs to the upload queue: whose token goes with the parameters of the folder being sent.
+    std::shared_ptr<Authentication> sender_;
+
+    // Belong to the turn.
+    KnownApplications knownApplications_;
+    std::shared_ptr<FileHandler> fileHandler_;
+    std::shared_ptr<FrequencyMonitor> frequencyMonitor_;
+    EventCountMonitor eventCountMonitor_;
 };
 
 } // namespace tallyfoot

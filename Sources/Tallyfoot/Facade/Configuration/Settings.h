@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tallyfoot/Facade/Configuration/Environment.h"
+#include "Tallyfoot/Facade/Configuration/UploadConfiguration.h"
 #include "Tallyfoot/Platform/Exclusive.h"
 
 #include <atomic>
@@ -13,6 +14,9 @@ struct Settings {
     std::atomic<bool> isEnabled{true};
     std::atomic<bool> showOutput{true};
     std::atomic<bool> ignoreFileSizeThreshold{false};
+
+    // As last configured; none before.
+    Exclusive<std::shared_ptr<UploadConfiguration>> uploadConfiguration;
 
     std::shared_ptr<Environment> environment(); // a default one is made on first access
     void setEnvironment(std::shared_ptr<Environment> environment);

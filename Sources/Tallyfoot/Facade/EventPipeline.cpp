@@ -1,0 +1,83 @@
+#include "Tallyfoot/Facade/EventPipeline.h"
+
+#include "Tallyfoot/Events/Device.h"
+#include "Tallyfoot/Events/FileEventFormatter.h"
+#include "Tallyfoot/Events/Text.h"
+#include "Tallyfoot/Facade/LineBuffer.h"
+#include "Tallyfoot/Platform/Console.h"
+
+#include <utility>
+
+namespace tallyfoot {
+
+namespace {
+
+bool beginsWithBracket(std::string_view text) {
+    if (text.empty() || text.front() != '[') return false;
+    // A combining mark behind the bracket would make the two one character.
+    const bool isAlone = text.size() == 1 || static_cast<unsigned char>(text[1]) < 0x80;
+    return isAlone || text::character(text, 0) == "[";
+}
+
+std::string asArray(std::string_view text) {
+    if (beginsWithBracket(text)) return std::string(text);
+    std::string array;
+    array.reserve(text.size() + 2);
+    return array.append("[").append(text).append("]");
+}
+
+} // namespace
+
+EventPipeline::EventPipeline(const PlatformServices& services, const Settings& settings)
+    : services_(services), settings_(settings), console_(*services.console, settings.showOutput),
+      generated_(*services.clock, *services.random), context_(std::make_shared<const Context>()) {}
+
+void EventPipeline::changeContext(FunctionRef<void(Context&)> change) {
+    std::shared_ptr<const Context> former; // released after the lock
+    context_.modify([&](std::shared_ptr<const Context>& context) {
+        auto changed = std::make_shared<Context>(*context);
+        change(*changed);
+        former = std::exchange(context, std::move(changed));
+    });
+}
+
+bool EventPipeline::isIgnored(const Attributes& attributes, const Context& context) {
+    const auto* category = attributes.find(LogAttribute::evtCategory);
+    return category != nullptr && context.ignoreClasses.contains(*category);
+}
+
+void EventPipeline::log(EventType type, Attributes attributes, const std::optional<std::string>& customText) {
+    logJSON(type, std::move(attributes), customText ? std::optional<std::string_view>(*customText) : std::nullopt);
+}
+
+void EventPipeline::logJSON(EventType type, Attributes attributes, std::optional<std::string_view> customText) {
+    const auto context = this->context();
+    if (isIgnored(attributes, *context)) return;
+    if (customText) attributes.set(LogAttribute::custom, asArray(*customText));
+    if (attributes.empty()) return;
+
+    generated_.addTo(attributes, context->currentScreenTitle ? context->currentScreenTitle() : std::string(),
+                     context->pageParent);
+    if (!attributes.contains(LogAttribute::evtType)) attributes.set(LogAttribute::evtType, rawValue(type));
+
+    if (context->appInfo && console_.isOn()) print(attributes, *context->appInfo);
+    if (!settings_.isEnabled.load(std::memory_order_relaxed) || !context->recorder) return;
+
+    LineBuffer line;
+    if (FileEventFormatter().format({type, std::move(attributes)}, *line)) context->recorder->record(*line);
+}
+
+void EventPipeline::print(const Attributes& attributes, const ApplicationInfo& appInfo) const {
+    const auto banner = debugDescription("**************************************************") + "\n";
+    auto shown = Device(services_).attributes();
+    shown += attributes;
+    shown.set(LogAttribute::appName, appInfo.appName());
+
+    std::string block = banner;
+    shown.forEach([&](LogAttribute key, const std::string& value) {
+        block += debugDescription(std::string(rawValue(key)) + ": " + value) + "\n";
+    });
+    console_.printBlock(block += banner);
+}
+
+} // namespace tallyfoot

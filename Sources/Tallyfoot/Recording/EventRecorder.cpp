@@ -1,0 +1,275 @@
+#include "Tallyfoot/Recording/EventRecorder.h"
+
+#include "Tallyfoot/Events/Device.h"
+#include "Tallyfoot/Events/StoredRecord.h"
+#include "Tallyfoot/Platform/Clock.h"
+#include "Tallyfoot/Platform/FatalError.h"
+#include "Tallyfoot/Platform/Random.h"
+#include "Tallyfoot/Platform/URLSession.h"
+#include "Tallyfoot/Platform/UserDefaults.h"
+#include "Tallyfoot/Recording/StoreKeys.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace tallyfoot {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+// The service's words for "who are you?".
+constexpr std::array authenticationRejections{"10000003"sv, "10000008"sv, "10000002"sv};
+
+std::string lastPathComponent(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+std::string describe(const UploadManager::Parameters& parameters) {
+    if (parameters.empty()) return "[:]";
+    std::string description;
+    for (const auto& [key, value] : parameters) {
+        description += description.empty() ? "[" : ", ";
+        description += debugDescription(key) + ": " + debugDescription(value);
+    }
+    return description + "]";
+}
+
+} // namespace
+
+std::shared_ptr<EventRecorder> EventRecorder::make(PlatformServices services, const Settings& settings,
+                                                   std::shared_ptr<UploadConfiguration> configuration,
+                                                   std::shared_ptr<ApplicationInfo> appInfo,
+                                                   AuthenticationHandler authenticationHandler) {
+    std::shared_ptr<EventRecorder> recorder(new EventRecorder(std::move(services), settings, std::move(configuration),
+                                                              std::move(appInfo), std::move(authenticationHandler)));
+    recorder->authenticationInfo_.exchange(recorder->askForAuthentication());
+    // Not in the constructor: the triggers and the uploads refer to the recorder weakly.
+    recorder->inTurn([&] {
+        const auto current = recorder->appInfo();
+        recorder->services_.userDefaults->setObject(storekeys::user, {recorder->authenticationInfo()->userId()});
+        recorder->services_.userDefaults->synchronize();
+        recorder->knownApplications_.setCurrent(*current);
+        recorder->setUp(current);
+    });
+    return recorder;
+}
+
+EventRecorder::EventRecorder(PlatformServices services, const Settings& settings,
+                             std::shared_ptr<UploadConfiguration> configuration,
+                             std::shared_ptr<ApplicationInfo> appInfo, AuthenticationHandler authenticationHandler)
+    : services_(std::move(services)), settings_(settings), console_(*services_.console, settings.showOutput),
+      configuration_(std::move(configuration)), authenticationHandler_(std::move(authenticationHandler)),
+      queue_(services_.dispatch->makeQueue("EventRecorder")),
+      uploadQueue_(services_.dispatch->makeQueue("EventRecorder.uploads")), appInfo_(std::move(appInfo)),
+      knownApplications_(*services_.userDefaults, *services_.keyedArchiver), eventCountMonitor_{
+                                                                                 configuration_->eventsCount(), {}} {
+    const auto path = configuration_->uploadPath();
+    const UploadManager::Collaborators collaborators{*services_.fileManager, *services_.random, console_,
+                                                     services_.makeURLSession(), [this] {
+                                                         if (!sender_) fatalError("an upload needs an authentication");
+                                                         return sender_->authenticationToken();
+                                                     }};
+    uploadManager_ = std::make_shared<UploadManager>(
+        collaborators, path ? path : std::optional(processSettings().environment()->uploadPath()));
+}
+
+EventRecorder::~EventRecorder() {
+    if (frequencyMonitor_) frequencyMonitor_->stop();
+}
+
+std::shared_ptr<Authentication> EventRecorder::authenticationInfo() const { return authenticationInfo_.copy(); }
+
+std::shared_ptr<ApplicationInfo> EventRecorder::appInfo() const { return appInfo_.copy(); }
+
+std::shared_ptr<Authentication> EventRecorder::askForAuthentication() const {
+    if (!authenticationHandler_) fatalError("there is no authentication closure");
+    auto authentication = authenticationHandler_();
+    if (!authentication) fatalError("the authentication closure returned nothing");
+    return authentication;
+}
+
+void EventRecorder::setUp(const std::shared_ptr<ApplicationInfo>& appInfo) {
+    fileHandler_ = makeFileHandler(appInfo, true);
+
+    if (frequencyMonitor_) frequencyMonitor_->stop();
+    frequencyMonitor_ = FrequencyMonitor::make(
+        {*services_.dispatch, *services_.clock, *services_.userDefaults, console_}, configuration_->frequency());
+    frequencyMonitor_->start();
+
+    const auto trigger = [weakSelf = weak_from_this()] {
+        if (const auto self = weakSelf.lock()) self->triggerUpload();
+    };
+    eventCountMonitor_ = {configuration_->eventsCount(), trigger};
+    fileHandler_->setTriggerUpload(trigger);
+    frequencyMonitor_->setTriggerUpload(trigger); // last: a period that is over already triggers at once
+}
+
+std::shared_ptr<FileHandler> EventRecorder::makeFileHandler(std::shared_ptr<const ApplicationInfo> appInfo,
+                                                            bool isCurrent) {
+    auto folder = std::make_shared<AppFolder>(*services_.fileManager, console_, std::move(appInfo));
+    return std::make_shared<FileHandler>(
+        FileHandler::Collaborators{*services_.fileManager, *services_.clock, console_, settings_}, configuration_,
+        std::move(folder), isCurrent, [this](std::string_view name) { return uploadManager_->isUploading(name); });
+}
+
+void EventRecorder::record(std::string& line) {
+    makeStoredRecord(line);
+    inTurn([&] {
+        fileHandler_->write(line);
+        const auto count = services_.userDefaults->integer(storekeys::eventCount) + 1;
+        setEventCount(count);
+        if (eventCountMonitor_.thresholdCount < count && eventCountMonitor_.triggerUpload)
+            eventCountMonitor_.triggerUpload();
+    });
+}
+
+void EventRecorder::setEventCount(std::int64_t count) {
+    services_.userDefaults->setInteger(storekeys::eventCount, count);
+    services_.userDefaults->synchronize();
+}
+
+void EventRecorder::triggerUpload() {
+    if (isUploading_.exchange(true)) return;
+    std::shared_ptr<FileHandler> fileHandler;
+    inTurn([&] {
+        fileHandler_->close();
+        setEventCount(0);
+        frequencyMonitor_->restart();
+        services_.userDefaults->setReal(storekeys::eventLastUpload, timeIntervalSince1970(services_.clock->now()));
+        services_.userDefaults->synchronize();
+        fileHandler = fileHandler_;
+    });
+    isUploading_ = false;
+    submitUpload(std::move(fileHandler));
+}
+
+void EventRecorder::submitUpload(std::shared_ptr<FileHandler> fileHandler) {
+    uploadQueue_->async(
+        [self = shared_from_this(), fileHandler = std::move(fileHandler)] { self->upload(fileHandler); });
+}
+
+void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
+    const auto turn = [this](FunctionRef<void()> block) { inTurn(block); };
+    fileHandler->zip(turn);
+
+    std::vector<std::string> archives;
+    inTurn([&] {
+        archives = fileHandler->appFolder().archivePaths();
+        if (archives.empty()) forgetIfOld(*fileHandler);
+    });
+    if (archives.empty()) return;
+
+    const auto& appInfo = *fileHandler->appFolder().appInfo();
+    console_.print({"Uploading logs for applicaton ", appInfo.appName()});
+    // Kept for the whole folder: credentials refreshed meanwhile may be another user's.
+    sender_ = authenticationInfo();
+    const auto parameters = bodyParameters(appInfo, *sender_);
+    printSummary(parameters);
+    for (const auto& archive : archives) {
+        if (uploadManager_->isUploading(lastPathComponent(archive))) continue;
+        uploadManager_->upload(
+            archive, parameters,
+            [weakSelf = weak_from_this(), fileHandler, archive](const UploadManager::Outcome& outcome) {
+                if (const auto self = weakSelf.lock()) self->completeUpload(*fileHandler, archive, outcome);
+            });
+    }
+}
+
+void EventRecorder::forgetIfOld(FileHandler& fileHandler) {
+    const auto& appName = fileHandler.appFolder().appName();
+    if (appName == appInfo()->appName()) return;
+    console_.print({"Empty folder app name ", appName});
+    knownApplications_.remove(appName);
+    fileHandler.appFolder().removeAll();
+}
+
+UploadManager::Parameters EventRecorder::bodyParameters(const ApplicationInfo& appInfo,
+                                                        const Authentication& sender) const {
+    UploadManager::Parameters parameters;
+    Device(services_).attributes().forEach(
+        [&](LogAttribute key, const std::string& value) { parameters[std::string(rawValue(key))] = value; });
+    parameters["appName"] = appInfo.appName();
+    parameters["appid"] = appInfo.appId();
+    parameters["bizarea"] = appInfo.bizArea();
+    parameters["bizareaid"] = appInfo.bizAreaId();
+    parameters["userId"] = sender.userId();
+    parameters["authtoken"] = sender.authenticationToken();
+    parameters["delimeter"] = recordSeparator;
+    return parameters;
+}
+
+void EventRecorder::printSummary(const UploadManager::Parameters& parameters) const {
+    if (!console_.isOn()) return;
+    const auto configuration = settings_.uploadConfiguration.copy();
+    const auto path = configuration ? configuration->uploadPath() : std::nullopt;
+    console_.print("************************************Request Info Begin************************************");
+    console_.print({"url is: ", path.value_or("NA")});
+    console_.print({"Body parameters: ", describe(parameters)});
+    console_.print("************************************Request Info End *************************************");
+}
+
+void EventRecorder::completeUpload(FileHandler& fileHandler, const std::string& archivePath,
+                                   const UploadManager::Outcome& outcome) {
+    const auto turn = [this](FunctionRef<void()> block) { inTurn(block); };
+    const auto* results = std::get_if<std::vector<UploadResult>>(&outcome);
+    if (results == nullptr || results->empty()) {
+        fileHandler.restore(archivePath, {}, turn);
+        return;
+    }
+
+    const auto& result = results->front();
+    console_.print({"Reponse Code is: ", result.statusCode});
+    if (std::find(authenticationRejections.begin(), authenticationRejections.end(), result.statusCode)
+        != authenticationRejections.end()) {
+        fileHandler.restore(archivePath, {}, turn);
+        refreshAuthentication(fileHandler);
+    } else if (result.failure && !result.failure->empty()) {
+        fileHandler.restore(archivePath, result.success.value_or(std::vector<std::string>{}), turn);
+    } else {
+        inTurn([&] { fileHandler.appFolder().remove(archivePath); });
+    }
+}
+
+void EventRecorder::refreshAuthentication(FileHandler& fileHandler) {
+    std::shared_ptr<Authentication> refreshed;
+    try {
+        refreshed = askForAuthentication();
+    } catch (...) { // the host's own failure: the former credentials stay, the next rejection asks again
+        return;
+    }
+    authenticationInfo_.exchange(refreshed);
+    inTurn([&] { checkUser(*refreshed, fileHandler); });
+}
+
+void EventRecorder::checkUser(const Authentication& refreshed, FileHandler& fileHandler) {
+    const auto stored = services_.userDefaults->object(storekeys::user);
+    const auto* former = stored ? stored->as<std::string>() : nullptr;
+    // Logs of one user are never sent under another user's token.
+    if (former != nullptr && *former != refreshed.userId()) fileHandler.deleteAllLogs();
+    services_.userDefaults->setObject(storekeys::user, {refreshed.userId()});
+    services_.userDefaults->synchronize();
+}
+
+void EventRecorder::switchApplication(std::shared_ptr<ApplicationInfo> appInfo) {
+    inTurn([&] {
+        appInfo_.exchange(appInfo);
+        fileHandler_->close();
+        setEventCount(0);
+        knownApplications_.setCurrent(*appInfo);
+        if (console_.isOn())
+            for (const auto& known : knownApplications_.list()) console_.printBlock(known->appName() + "\n");
+        setUp(appInfo);
+        uploadOldApplications();
+    });
+}
+
+void EventRecorder::uploadOldApplications() {
+    const auto current = appInfo();
+    for (const auto& known : knownApplications_.list()) {
+        if (known->appName() == current->appName()) continue;
+        console_.print({"calling upload for old app ", known->appName()});
+        submitUpload(makeFileHandler(known, false));
+    }
+}
+
+} // namespace tallyfoot

@@ -1,0 +1,443 @@
+#include "Support/TemporaryFolder.h"
+
+#include "Tallyfoot/Facade/TallyfootImplementation.h"
+#include "Tallyfoot/Tallyfoot.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdlib>
+#include <filesystem>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tallyfoot::testing {
+namespace {
+
+using nlohmann::json;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+// A host process of its own: every test runs in one, with its own folders.
+class TallyfootTest : public ::testing::Test {
+protected:
+    TallyfootTest() {
+        ::setenv("XDG_DATA_HOME", (root_ / "data").c_str(), 1);
+        ::setenv("XDG_CONFIG_HOME", (root_ / "config").c_str(), 1);
+        ::setenv("TALLYFOOT_MAIN_BUNDLE", (root_ / "bundle").c_str(), 1);
+        Tallyfoot::setShowOutput(false);
+        configuration_->setUploadPath("http://127.0.0.1:1/upload"); // nobody listens there
+    }
+
+    void configure(const std::vector<std::string>& ignoreClasses = {}) {
+        Tallyfoot::configure(configuration_, ignoreClasses, [this] {
+            ++authenticationsAsked_;
+            return std::make_shared<Authentication>("user-1", "token-1");
+        });
+    }
+
+    static void setApplication(const std::string& appName) {
+        Tallyfoot::setAppInfo(std::make_shared<ApplicationInfo>(appName, "id", "area", "area-id"));
+    }
+
+    void start(const std::vector<std::string>& ignoreClasses = {}) {
+        setApplication("Shop");
+        configure(ignoreClasses);
+    }
+
+    std::string stored(const std::string& appName = "Shop") const {
+        std::string all;
+        const std::filesystem::path folder = root_ / "data/Tallyfoot/" + appName + "/Events";
+        if (std::filesystem::exists(folder))
+            for (const auto& file : std::filesystem::directory_iterator(folder)) all += readFile(file.path());
+        return all;
+    }
+
+    std::vector<json> records(const std::string& appName = "Shop") const {
+        std::vector<json> parsed;
+        const std::string text = stored(appName);
+        for (std::size_t begin = 0; begin < text.size();) {
+            const auto end = text.find("jsonsplit", begin);
+            parsed.push_back(json::parse(text.substr(begin, end - begin)));
+            begin = end + 9;
+        }
+        return parsed;
+    }
+
+    TemporaryFolder root_;
+    std::shared_ptr<UploadConfiguration> configuration_ = std::make_shared<UploadConfiguration>(3600, 1000000);
+    int authenticationsAsked_ = 0;
+};
+
+TEST_F(TallyfootTest, ALoggedEventCarriesTheGeneratedAttributes) {
+    start();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtLabel, "Buy"}});
+    ASSERT_THAT(records(), SizeIs(1));
+    const auto record = records()[0];
+    EXPECT_EQ(record.size(), 6U);
+    EXPECT_EQ(record["evtLabel"], "Buy");
+    EXPECT_EQ(record["evtType"], "action");
+    EXPECT_EQ(record["pgName"], "");
+    EXPECT_EQ(record["pgPrnt"], "iOS");
+    EXPECT_TRUE(std::regex_match(record["evtId"].get<std::string>(),
+                                 std::regex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}")));
+    EXPECT_TRUE(std::regex_match(record["evtLclTimestamp"].get<std::string>(),
+                                 std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d \+0000)")));
+}
+
+TEST_F(TallyfootTest, AnEventTypeWithCustomDataInBraces) {
+    start();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtLabel, "Buy"}}, {{"sku", "A-1"}, {"quantity", 2}});
+    EXPECT_EQ(records()[0]["custom"], json::parse(R"([{"sku":"A-1","quantity":2}])"));
+}
+
+TEST_F(TallyfootTest, ATypeNamedByTheHostWithoutAnyAttribute) {
+    start();
+    Tallyfoot::log("purchase", {});
+    EXPECT_EQ(records()[0]["evtType"], "purchase");
+}
+
+TEST_F(TallyfootTest, ATypeNamedByTheHostReplacesTheOneInTheAttributes) {
+    start();
+    Tallyfoot::log("purchase", {{LogAttribute::evtType, "other"}});
+    EXPECT_EQ(records()[0]["evtType"], "purchase");
+}
+
+TEST_F(TallyfootTest, ATypeInTheAttributesWinsOverTheEventType) {
+    start();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtType, "own"}});
+    EXPECT_EQ(records()[0]["evtType"], "own");
+}
+
+TEST_F(TallyfootTest, JSONWithoutAttributesOrCustomTextRecordsAndPrintsNothing) {
+    start();
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::logJSON(EventType::screen, {});
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+    EXPECT_THAT(records(), IsEmpty());
+}
+
+TEST_F(TallyfootTest, AJSONObjectBecomesAnArrayOfOne) {
+    start();
+    Tallyfoot::logJSON(EventType::action, {}, R"({"a":1})");
+    EXPECT_EQ(records()[0]["custom"], json::parse(R"([{"a":1}])"));
+}
+
+TEST_F(TallyfootTest, AnEmptyJSONTextBecomesAnEmptyArray) {
+    start();
+    Tallyfoot::logJSON(EventType::action, {}, "");
+    EXPECT_EQ(records()[0]["custom"], json::array());
+}
+
+TEST_F(TallyfootTest, AJSONTextThatIsNoJSONStaysAText) {
+    start();
+    Tallyfoot::logJSON(EventType::action, {}, "abc");
+    EXPECT_EQ(records()[0]["custom"], "[abc]");
+}
+
+TEST_F(TallyfootTest, ABracketWithACombiningMarkIsNoBracket) {
+    start();
+    Tallyfoot::logJSON(EventType::action, {}, "[\xCC\x81]");
+    EXPECT_EQ(records()[0]["custom"], "[[\xCC\x81]]");
+}
+
+TEST_F(TallyfootTest, JSONUnderATypeNamedByTheHost) {
+    start();
+    Tallyfoot::logJSON("purchase", {});
+    Tallyfoot::logJSON("purchase", {{LogAttribute::evtLabel, "x"}}, "[1,2]");
+    ASSERT_THAT(records(), SizeIs(2));
+    EXPECT_EQ(records()[0]["evtType"], "purchase");
+    EXPECT_EQ(records()[1]["custom"], "[1,2]");
+}
+
+TEST_F(TallyfootTest, AttributesByRecordKeyDropUnknownKeys) {
+    start();
+    Tallyfoot::logEvent("purchase", {{"pgName", "Basket"}, {"foo", "x"}}, {{"sku", "A-1"}});
+    Tallyfoot::logEvent(EventType::screen, {{"pgName", "Basket"}});
+    ASSERT_THAT(records(), SizeIs(2));
+    EXPECT_EQ(records()[0]["pgName"], "Basket");
+    EXPECT_FALSE(records()[0].contains("foo"));
+    EXPECT_EQ(records()[0]["custom"], json::parse(R"([{"sku":"A-1"}])"));
+    EXPECT_EQ(records()[1]["evtType"], "screen");
+}
+
+TEST_F(TallyfootTest, AttributesByRecordKeyWithJSON) {
+    start();
+    Tallyfoot::logJSONEvent("purchase", {{"pgName", "Basket"}}, "[]");
+    Tallyfoot::logJSONEvent(EventType::alert, {{"evtLabel", "x"}}, R"([{"k":"v"}])");
+    EXPECT_EQ(records()[0]["custom"], json::array());
+    EXPECT_EQ(records()[1]["evtType"], "alert");
+    EXPECT_EQ(records()[1]["custom"], json::parse(R"([{"k":"v"}])"));
+}
+
+TEST_F(TallyfootTest, OnlyUnknownKeysAndAnEventTypeRecordNothing) {
+    start();
+    Tallyfoot::logEvent(EventType::screen, {{"foo", "x"}});
+    EXPECT_THAT(records(), IsEmpty());
+}
+
+TEST_F(TallyfootTest, CustomDataThatCannotBeSerialisedIsLeftOutAndTheEventKept) {
+    start();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtLabel, "x"}}, {{"nan", std::nan("")}});
+    ASSERT_THAT(records(), SizeIs(1));
+    EXPECT_FALSE(records()[0].contains("custom"));
+}
+
+TEST_F(TallyfootTest, CustomDataOfTheJSONLibrary) {
+    start();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtLabel, "x"}},
+                   json{{"deep", {{"list", {1, 2.5, nullptr, true}}}}});
+    EXPECT_EQ(records()[0]["custom"], json::parse(R"([{"deep":{"list":[1,2.5,null,true]}}])"));
+}
+
+TEST_F(TallyfootTest, TheCallersValuesWinOverTheGeneratedOnes) {
+    start();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtId, "own id"},
+                                       {LogAttribute::evtLclTimestamp, "own time"},
+                                       {LogAttribute::screenTitle, "own page"},
+                                       {LogAttribute::window, "own parent"}});
+    EXPECT_EQ(records()[0]["evtId"], "own id");
+    EXPECT_EQ(records()[0]["evtLclTimestamp"], "own time");
+    EXPECT_EQ(records()[0]["pgName"], "own page");
+    EXPECT_EQ(records()[0]["pgPrnt"], "own parent");
+}
+
+TEST_F(TallyfootTest, ThePageParentIsOnEveryLaterEventUntilUnset) {
+    start();
+    Tallyfoot::setPageParent("web");
+    EXPECT_EQ(Tallyfoot::pageParent(), "web");
+    Tallyfoot::log("a", {});
+    Tallyfoot::setPageParent(std::nullopt);
+    Tallyfoot::log("b", {});
+    EXPECT_EQ(records()[0]["pgPrnt"], "web");
+    EXPECT_EQ(records()[1]["pgPrnt"], "iOS");
+}
+
+TEST_F(TallyfootTest, TheScreenTitleComesFromAutomaticCapture) {
+    Tallyfoot::Implementation::shared().setSeams({.currentScreenTitle = [] { return std::string("Home"); }});
+    start();
+    Tallyfoot::log("a", {});
+    EXPECT_EQ(records()[0]["pgName"], "Home");
+}
+
+TEST_F(TallyfootTest, AnIgnoredCategoryIsNeitherPrintedNorRecorded) {
+    start({"UISlider", "NoSuchClass"});
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtCategory, "UISlider"}});
+    Tallyfoot::logJSON(EventType::action, {{LogAttribute::evtCategory, "UISlider"}}, "{}");
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+    EXPECT_THAT(records(), IsEmpty());
+    EXPECT_THAT(Tallyfoot::shared().ignoreClasses(), ElementsAre("UISlider"));
+}
+
+TEST_F(TallyfootTest, AnIgnoredClassWithACustomTitleIsIgnoredUnderThatTitle) {
+    Tallyfoot::categoryCustomTitles({{"UISlider", "Slide"}, {"nothing", "x"}});
+    start({"UISlider"});
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtCategory, "Slide"}});
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtCategory, "UISlider"}});
+    ASSERT_THAT(records(), SizeIs(1));
+    EXPECT_EQ(records()[0]["evtCategory"], "UISlider");
+    EXPECT_THAT(Tallyfoot::categoryCustomTitles(), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, DisabledEventsAreShownButNotWritten) {
+    start();
+    Tallyfoot::setIsEnabled(false);
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("purchase", {});
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("\"evtType: purchase\"\n"));
+    EXPECT_THAT(records(), IsEmpty());
+}
+
+TEST_F(TallyfootTest, TheConsoleBlockShowsTheEventWithTheDevice) {
+    start();
+    Tallyfoot::setShowOutput(true);
+    Tallyfoot::setScreenSize(375.9, 812.0);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("say \"hi\"", {{LogAttribute::evtId, "1"},
+                                  {LogAttribute::evtLclTimestamp, "now"},
+                                  {LogAttribute::userAgent, "own agent"},
+                                  {LogAttribute::userIpAddress, "ip"}});
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "\"**************************************************\"\n"
+                                                        "\"appName: Shop\"\n"
+                                                        "\"deviceScrnDim: 375-812\"\n"
+                                                        "\"evtId: 1\"\n"
+                                                        "\"evtLclTimestamp: now\"\n"
+                                                        "\"evtType: say \\\"hi\\\"\"\n"
+                                                        "\"pgName: \"\n"
+                                                        "\"userAgent: own agent\"\n"
+                                                        "\"userIpAddress: ip\"\n"
+                                                        "\"pgPrnt: iOS\"\n"
+                                                        "\"**************************************************\"\n");
+}
+
+TEST_F(TallyfootTest, WithoutAnApplicationNothingIsShown) {
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("purchase", {});
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(TallyfootTest, ConsoleOutputAndShowOutputAreOneSwitch) {
+    Tallyfoot::setShowOutput(true);
+    Tallyfoot::setConsoleOutput(false);
+    EXPECT_FALSE(Tallyfoot::showOutput());
+    Tallyfoot::setShowOutput(true);
+    EXPECT_TRUE(Tallyfoot::consoleOutput());
+}
+
+TEST_F(TallyfootTest, TheApplicationBeforeConfigureStartsNothingAndConfigureDoes) {
+    setApplication("Shop");
+    Tallyfoot::log("lost", {});
+    EXPECT_EQ(authenticationsAsked_, 0);
+    configure();
+    EXPECT_EQ(authenticationsAsked_, 1);
+    Tallyfoot::log("kept", {});
+    ASSERT_THAT(records(), SizeIs(1));
+    EXPECT_EQ(records()[0]["evtType"], "kept");
+}
+
+TEST_F(TallyfootTest, ConfigureBeforeTheApplicationStartsWithTheApplication) {
+    configure();
+    Tallyfoot::log("lost", {});
+    EXPECT_EQ(authenticationsAsked_, 0);
+    setApplication("Shop");
+    Tallyfoot::log("kept", {});
+    EXPECT_THAT(records(), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, TheSameApplicationNameAgainChangesNothing) {
+    start();
+    Tallyfoot::log("a", {});
+    Tallyfoot::setAppInfo(std::make_shared<ApplicationInfo>("Shop", "another id", "x", "y"));
+    Tallyfoot::log("b", {});
+    EXPECT_THAT(records(), SizeIs(2));
+    EXPECT_EQ(authenticationsAsked_, 1);
+}
+
+TEST_F(TallyfootTest, AnotherApplicationNameSwitches) {
+    start();
+    Tallyfoot::log("a", {});
+    setApplication("Bank");
+    Tallyfoot::log("b", {});
+    EXPECT_THAT(records("Shop"), IsEmpty());
+    ASSERT_THAT(records("Bank"), SizeIs(1));
+    EXPECT_EQ(records("Bank")[0]["evtType"], "b");
+}
+
+TEST_F(TallyfootTest, ConfigureAgainKeepsTheRecordingAndReplacesTheIgnoredClasses) {
+    start({"UISlider"});
+    configure({"UIButton"});
+    EXPECT_EQ(authenticationsAsked_, 1);
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtCategory, "UISlider"}});
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtCategory, "UIButton"}});
+    EXPECT_THAT(records(), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, InterceptionsAreInstalledOnceByWhateverComesFirst) {
+    int installed = 0;
+    Tallyfoot::Implementation::shared().setSeams({.installInterceptions = [&] { ++installed; }});
+    EXPECT_FALSE(Tallyfoot::isSwizzled());
+    Tallyfoot::modifyEnvironment([](Environment& environment) { environment.setUploadPath("x"); });
+    EXPECT_TRUE(Tallyfoot::isSwizzled());
+    Tallyfoot::setEnvironment(std::make_shared<Environment>());
+    Tallyfoot::configureSwizzle();
+    start();
+    EXPECT_EQ(installed, 1);
+}
+
+TEST_F(TallyfootTest, InterceptionsComeBeforeCrashHooksAndCrashHooksAtEveryConfigure) {
+    std::vector<std::string> order;
+    Tallyfoot::Implementation::shared().setSeams({.installInterceptions = [&] { order.emplace_back("interceptions"); },
+                                                  .installCrashHooks = [&] { order.emplace_back("crash"); }});
+    start();
+    configure();
+    EXPECT_THAT(order, ElementsAre("interceptions", "crash", "crash"));
+}
+
+TEST_F(TallyfootTest, TheEnvironmentIsMadeOnFirstAccessAndIsTheSameAgain) {
+    const auto environment = Tallyfoot::environment();
+    ASSERT_TRUE(environment);
+    EXPECT_EQ(environment, Tallyfoot::environment());
+    EXPECT_EQ(environment->uploadPath(), "no such path");
+}
+
+TEST_F(TallyfootTest, TheTokenIsTheOneInUse) {
+    start();
+    EXPECT_EQ(Tallyfoot::shared().authenticationToken(), "token-1");
+}
+
+TEST_F(TallyfootTest, TheUploadConfigurationIsTheDefaultUntilConfigured) {
+    EXPECT_EQ(Tallyfoot::shared().uploadConfiguration(), UploadConfiguration::defaultConfiguration());
+    start();
+    EXPECT_EQ(Tallyfoot::shared().uploadConfiguration(), configuration_);
+}
+
+TEST_F(TallyfootTest, TheClosureMayUseTheLibrary) {
+    setApplication("Shop");
+    Tallyfoot::configure(configuration_, {}, [] {
+        Tallyfoot::log("from the closure", {});
+        setApplication("Bank");
+        return std::make_shared<Authentication>("user-1", "token-1");
+    });
+    Tallyfoot::log("after", {});
+    EXPECT_THAT(records("Bank"), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, AClosureThatThrowsLeavesNoRecorderAndTheNextConfigureTriesAgain) {
+    setApplication("Shop");
+    Tallyfoot::configure(configuration_, {},
+                         []() -> std::shared_ptr<Authentication> { throw std::runtime_error("host"); });
+    Tallyfoot::log("lost", {});
+    configure();
+    Tallyfoot::log("kept", {});
+    EXPECT_THAT(records(), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, IllFormedTextIsRecordedWithReplacementCharacters) {
+    start();
+    Tallyfoot::log(EventType::action, {{LogAttribute::evtLabel, "a\xFF\x62"}});
+    EXPECT_EQ(records()[0]["evtLabel"], "a\xEF\xBF\xBD\x62");
+}
+
+TEST_F(TallyfootTest, EventsOfOneThreadKeepTheirOrderAmongManyThreads) {
+    start();
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 8; ++thread)
+        threads.emplace_back([thread] {
+            for (int event = 0; event < 200; ++event)
+                Tallyfoot::log(EventType::action, {{LogAttribute::evtAction, std::to_string(thread)},
+                                                   {LogAttribute::evtLabel, std::to_string(event)}});
+        });
+    for (auto& thread : threads) thread.join();
+    std::map<std::string, int> next;
+    for (const auto& record : records())
+        EXPECT_EQ(record["evtLabel"], std::to_string(next[record["evtAction"].get<std::string>()]++));
+    EXPECT_EQ(next.size(), 8U);
+    for (const auto& [thread, count] : next) EXPECT_EQ(count, 200) << thread;
+}
+
+using TallyfootDeathTest = TallyfootTest;
+
+TEST_F(TallyfootDeathTest, TheTokenBeforeTheRecordingIsFatal) {
+    EXPECT_DEATH((void)Tallyfoot::shared().authenticationToken(), "authenticationToken");
+    configure();
+    EXPECT_DEATH((void)Tallyfoot::shared().authenticationToken(), "authenticationToken");
+}
+
+TEST_F(TallyfootDeathTest, AnEventTypeThatIsNoCaseIsFatal) {
+    start();
+    EXPECT_DEATH(Tallyfoot::log(static_cast<EventType>(9), {{LogAttribute::evtLabel, "x"}}), "EventType");
+}
+
+} // namespace
+} // namespace tallyfoot::testing
