@@ -1,0 +1,112 @@
+#include "Integration/HostProcess.h"
+
+#include "Collector/RecordReader.h"
+#include "Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <zip.h>
+
+#include <csignal>
+#include <stdexcept>
+
+namespace tallyfoot::testing {
+
+namespace {
+
+using std::chrono_literals::operator""s;
+constexpr auto patience = 60s;
+
+void addEvents(const std::string& log, std::multiset<std::string>& events) {
+    collector::RecordReader reader(log);
+    while (const auto piece = reader.next())
+        if (piece->kind == collector::LogPiece::Kind::record)
+            events.insert(nlohmann::json::parse(piece->text).at("evtId").get<std::string>());
+}
+
+void addArchive(const std::filesystem::path& path, std::multiset<std::string>& events) {
+    zip_t* archive = zip_open(path.c_str(), ZIP_RDONLY, nullptr);
+    ASSERT_NE(archive, nullptr) << path;
+    for (zip_int64_t index = 0; index < zip_get_num_entries(archive, 0); ++index) {
+        zip_file_t* file = zip_fopen_index(archive, static_cast<zip_uint64_t>(index), 0);
+        std::string log;
+        char block[65536];
+        for (zip_int64_t count = 0; (count = zip_fread(file, block, sizeof block)) > 0;)
+            log.append(block, static_cast<std::size_t>(count));
+        zip_fclose(file);
+        addEvents(log, events);
+    }
+    zip_discard(archive);
+}
+
+commandline::ChildProcess startHost(const Device& device, const std::vector<std::string>& arguments) {
+    std::vector<std::string> all{TALLYFOOT_LOGGING_HOST};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    auto process = commandline::ChildProcess::start(all, device.environment());
+    if (!process) throw std::runtime_error(process.error().description);
+    return std::move(process).value();
+}
+
+} // namespace
+
+std::map<std::string, std::string> Device::environment() const {
+    return {{"XDG_DATA_HOME", (root / "data").string()},
+            {"XDG_CONFIG_HOME", (root / "config").string()},
+            {"TALLYFOOT_MAIN_BUNDLE", (root / "bundle").string()}};
+}
+
+std::multiset<std::string> Device::storedEvents() const {
+    std::multiset<std::string> events;
+    if (!std::filesystem::exists(library())) return events;
+    for (const auto& item : std::filesystem::recursive_directory_iterator(library())) {
+        const auto name = item.path().filename().string();
+        if (name.starts_with('.')) continue;
+        if (item.path().extension() == ".log") addEvents(readFile(item.path()), events);
+        if (item.path().extension() == ".zip") addArchive(item.path(), events);
+    }
+    return events;
+}
+
+HostProcess::HostProcess(const Device& device, const std::string& url, const std::string& application,
+                         const std::string& run)
+    : process_(startHost(device, {url, application, run})) {
+    EXPECT_EQ(process_.readLine(patience).value_or("nothing"), "ready");
+}
+
+void HostProcess::awaitAcknowledgements(std::size_t count) {
+    for (std::size_t event = 0; event < count; ++event) {
+        const auto id = process_.readLine(patience);
+        ASSERT_TRUE(id) << "the host stopped after " << acknowledged_.size() << " events";
+        acknowledged_.insert(*id);
+    }
+}
+
+void HostProcess::kill() {
+    process_.signal(SIGKILL);
+    // What stands in the pipe was acknowledged before the end.
+    while (const auto id = process_.readLine(patience)) acknowledged_.insert(*id);
+    EXPECT_EQ(process_.wait(patience).value_or(-1), 128 + SIGKILL);
+}
+
+void HostProcess::quit() {
+    process_.writeLine("quit");
+    EXPECT_EQ(process_.wait(patience).value_or(-1), 0);
+}
+
+std::set<std::string> deliver(HostProcess& host, CollectorProcess& collector, std::set<std::string> awaited) {
+    for (int round = 0; round < 60 && !awaited.empty(); ++round) {
+        // One more than the threshold: a trigger, and with it an upload of all that waits.
+        const std::size_t fewMore = 11;
+        host.tell("log " + std::to_string(fewMore));
+        host.awaitAcknowledgements(fewMore);
+        const std::size_t missing = awaited.size();
+        for (const auto& event : collector.confirmed()) awaited.erase(event.at("evtId").get<std::string>());
+        if (awaited.empty()) break;
+        if (awaited.size() == missing)
+            (void)collector.expect({{"count", 1},
+                                    {"match", {{"evtId", *awaited.begin()}}},
+                                    {"timeoutMilliseconds", 500}});
+    }
+    return awaited;
+}
+
+} // namespace tallyfoot::testing
