@@ -166,7 +166,8 @@ void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
     const auto parameters = bodyParameters(appInfo, *sender_);
     printSummary(parameters);
     for (const auto& archive : archives) {
-        if (uploadManager_->isUploading(lastPathComponent(archive))) continue;
+        // On its way, or coming back from it.
+        if (uploadManager_->isUploading(lastPathComponent(archive)) || FileHandler::isRestoring(archive)) continue;
         uploadManager_->upload(
             archive, parameters,
             [weakSelf = weak_from_this(), fileHandler, archive](const UploadManager::Outcome& outcome) {
