@@ -66,15 +66,22 @@ std::multiset<std::string> Device::storedEvents() const {
     return events;
 }
 
+std::optional<std::string> HostProcess::nextAcknowledgement() {
+    constexpr std::string_view mark = "ack ";
+    while (auto line = process_.readLine(patience))
+        if (line->starts_with(mark)) return line->substr(mark.size());
+    return std::nullopt;
+}
+
 HostProcess::HostProcess(const Device& device, const std::string& url, const std::string& application,
                          const std::string& run)
     : process_(startHost(device, {url, application, run})) {
-    EXPECT_EQ(process_.readLine(patience).value_or("nothing"), "ready");
+    EXPECT_EQ(nextAcknowledgement().value_or("nothing"), "ready");
 }
 
 void HostProcess::awaitAcknowledgements(std::size_t count) {
     for (std::size_t event = 0; event < count; ++event) {
-        const auto id = process_.readLine(patience);
+        const auto id = nextAcknowledgement();
         ASSERT_TRUE(id) << "the host stopped after " << acknowledged_.size() << " events";
         acknowledged_.insert(*id);
     }
@@ -83,7 +90,7 @@ void HostProcess::awaitAcknowledgements(std::size_t count) {
 void HostProcess::kill() {
     process_.signal(SIGKILL);
     // What stands in the pipe was acknowledged before the end.
-    while (const auto id = process_.readLine(patience)) acknowledged_.insert(*id);
+    while (const auto id = nextAcknowledgement()) acknowledged_.insert(*id);
     EXPECT_EQ(process_.wait(patience).value_or(-1), 128 + SIGKILL);
 }
 
@@ -94,7 +101,10 @@ void HostProcess::quit() {
 
 std::set<std::string> deliver(HostProcess& host, CollectorProcess& collector, std::set<std::string> awaited) {
     for (int round = 0; round < 60 && !awaited.empty(); ++round) {
-        // One more than the threshold: a trigger, and with it an upload of all that waits.
+        // A switch sends what other applications have left; one event more than the threshold
+        // triggers an upload of this one's.
+        host.tell("switch Cafe");
+        host.tell("switch Shop");
         const std::size_t fewMore = 11;
         host.tell("log " + std::to_string(fewMore));
         host.awaitAcknowledgements(fewMore);
@@ -102,9 +112,8 @@ std::set<std::string> deliver(HostProcess& host, CollectorProcess& collector, st
         for (const auto& event : collector.confirmed()) awaited.erase(event.at("evtId").get<std::string>());
         if (awaited.empty()) break;
         if (awaited.size() == missing)
-            (void)collector.expect({{"count", 1},
-                                    {"match", {{"evtId", *awaited.begin()}}},
-                                    {"timeoutMilliseconds", 500}});
+            (void)collector.expect(
+                {{"count", 1}, {"match", {{"evtId", *awaited.begin()}}}, {"timeoutMilliseconds", 500}});
     }
     return awaited;
 }

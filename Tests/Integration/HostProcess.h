@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -35,12 +36,14 @@ public:
     const std::set<std::string>& acknowledged() const { return acknowledged_; }
 
 private:
+    std::optional<std::string> nextAcknowledgement();
+
     commandline::ChildProcess process_;
     std::set<std::string> acknowledged_;
 };
 
-// Has the host log a few events more until the collector has confirmed all that are in the set, and
-// tells which are missing when its patience ends.
+// Has the host switch its application and log a few events more until the collector has confirmed all
+// that are in the set, and tells which are missing when its patience ends.
 std::set<std::string> deliver(HostProcess& host, CollectorProcess& collector, std::set<std::string> awaited);
 
 } // namespace tallyfoot::testing

@@ -1,11 +1,13 @@
-// A host application that does as it is told on standard input and acknowledges, on standard output,
-// each event whose call has returned. It may be killed at any instant.
+// A host application that does as it is told on standard input and acknowledges each event whose call
+// has returned, in a line "ack ID" on standard output, among whatever the library writes there. It may
+// be killed at any instant.
 //
 //     log COUNT              one thread
 //     burst THREADS COUNT    that many threads, COUNT events each
 //     switch APPLICATION     another application
 //     quit
 #include <Tallyfoot/Tallyfoot.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <iostream>
@@ -14,8 +16,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <unistd.h>
 
 namespace {
 
@@ -58,7 +58,7 @@ public:
 private:
     // One write, so that lines of several threads never mix and nothing waits in a buffer.
     static void acknowledge(const std::string& text) {
-        const std::string line = text + "\n";
+        const std::string line = "ack " + text + "\n";
         if (::write(STDOUT_FILENO, line.data(), line.size()) < 0) ::_exit(1);
     }
 

@@ -37,21 +37,22 @@ TEST(Stress, EveryEventIsAccountedForWhileThreadsTimersSwitchesAndABadServerRunA
     settings.showOutput = false;
     auto configuration = std::make_shared<UploadConfiguration>(10, 10);
     configuration->setUploadPath(collector.url());
-    const auto recorder = EventRecorder::make(services, settings, configuration, application(0), [] {
-        return std::make_shared<Authentication>("user-1", "token-1");
-    });
+    const auto recorder = EventRecorder::make(services, settings, configuration, application(0),
+                                              [] { return std::make_shared<Authentication>("user-1", "token-1"); });
 
     std::atomic<bool> isOver = false;
     const auto trigger = [&](Repeater&) { recorder->triggerUpload(); };
-    auto first = Repeater::every(*services.dispatch, RepeaterInterval::milliseconds(10), std::nullopt, nullptr, trigger);
-    auto second = Repeater::every(*services.dispatch, RepeaterInterval::milliseconds(10), std::nullopt, nullptr, trigger);
+    auto first =
+        Repeater::every(*services.dispatch, RepeaterInterval::milliseconds(10), std::nullopt, nullptr, trigger);
+    auto second =
+        Repeater::every(*services.dispatch, RepeaterInterval::milliseconds(10), std::nullopt, nullptr, trigger);
 
     std::vector<std::thread> threads;
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back([&, thread] {
             for (int event = 0; event < eventsOfAThread; ++event) {
-                std::string line = R"({"evtId":")" + std::to_string(thread) + "-" + std::to_string(event)
-                                   + R"(","evtType":"action"})";
+                std::string line = "{\n  \"evtId\" : \"" + std::to_string(thread) + "-" + std::to_string(event)
+                                   + "\",\n  \"evtType\" : \"action\"\n}";
                 recorder->record(line);
             }
         });

@@ -177,11 +177,16 @@ void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
 }
 
 void EventRecorder::forgetIfOld(FileHandler& fileHandler) {
-    const auto& appName = fileHandler.appFolder().appName();
+    auto& folder = fileHandler.appFolder();
+    const auto& appName = folder.appName();
     if (appName == appInfo()->appName()) return;
+    // Logs that could not be packed, or that were closed since: the next upload of the folder has them.
+    if (!folder.nonEmptyLogPaths(AppFolder::Folder::upload).empty()
+        || !folder.nonEmptyLogPaths(AppFolder::Folder::events).empty())
+        return;
     console_.print({"Empty folder app name ", appName});
     knownApplications_.remove(appName);
-    fileHandler.appFolder().removeAll();
+    folder.removeAll();
 }
 
 UploadManager::Parameters EventRecorder::bodyParameters(const ApplicationInfo& appInfo,

@@ -11,6 +11,8 @@
 #include "Tallyfoot/Platform/Posix/PosixRandom.h"
 #include "Tallyfoot/Platform/Posix/PosixScreen.h"
 #include "Tallyfoot/Platform/Posix/PosixURLSession.h"
+#include "Tallyfoot/Platform/Posix/PosixUserDefaults.h"
+#include "Tallyfoot/Platform/Posix/UserDefaultsFolder.h"
 
 namespace tallyfoot {
 
@@ -19,7 +21,8 @@ namespace {
 PlatformServices posixPlatformServices() {
     PlatformServices services;
     const auto propertyLists = std::make_shared<PosixPropertyLists>();
-    services.bundles = std::make_shared<PosixBundles>(propertyLists);
+    const auto bundles = std::make_shared<PosixBundles>(propertyLists);
+    services.bundles = bundles;
     services.clock = std::make_shared<PosixClock>();
     services.console = std::make_shared<PosixConsole>();
     services.dispatch = std::make_shared<PosixDispatch>();
@@ -30,6 +33,8 @@ PlatformServices posixPlatformServices() {
     services.propertyLists = propertyLists;
     services.random = std::make_shared<PosixRandom>();
     services.screen = std::make_shared<PosixScreen>();
+    services.userDefaults = std::make_shared<PosixUserDefaults>(
+        userDefaultsFolder(bundles->mainBundle().path()).value_or(std::string()), propertyLists);
     services.makeURLSession = [] { return std::make_shared<PosixURLSession>(); };
     return services;
 }
