@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cmath>
 #include <limits>
@@ -242,6 +243,24 @@ TEST_P(UserDefaultsContract, SeveralThreadsMayWriteAtOnce) {
     EXPECT_LT(shared, 4);
 }
 
+TEST_P(UserDefaultsContract, ACrashHooksTextsReadBackAsADictionary) {
+    for (const auto& former : values()) {
+        defaults_->setObject("crash", former);
+        const auto store = defaults_->makeSignalSafeStore("crash");
+        ASSERT_TRUE(store);
+        const std::array<SignalSafeStore::Text, 4> texts{{{"evtId", "1"},
+                                                          {"crashreason", "a < b && \"c\" > 'd'\r\n — ✓ 𝄞 "},
+                                                          {"pgName", ""},
+                                                          {"a&b", std::string_view("  spaces\t ")}}};
+        EXPECT_TRUE(store->store(texts));
+        PropertyList::Dictionary expected;
+        for (const auto& [key, value] : texts) expected[std::string(key)] = text(std::string(value));
+        EXPECT_EQ(defaults_->object("crash"), PropertyList{expected});
+        EXPECT_TRUE(store->store({}));
+        EXPECT_EQ(defaults_->object("crash"), PropertyList{PropertyList::Dictionary{}});
+    }
+}
+
 // Owns the folder of its store.
 class InTemporaryFolder final : public UserDefaults {
 public:
@@ -253,6 +272,9 @@ public:
     void setObject(std::string_view key, const PropertyList& value) override { store_.setObject(key, value); }
     void remove(std::string_view key) override { store_.remove(key); }
     bool synchronize() override { return store_.synchronize(); }
+    std::unique_ptr<SignalSafeStore> makeSignalSafeStore(std::string_view key) override {
+        return store_.makeSignalSafeStore(key);
+    }
 
 private:
     TemporaryFolder folder_;

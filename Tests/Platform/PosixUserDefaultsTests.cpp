@@ -25,9 +25,7 @@ namespace tallyfoot::testing {
 
 namespace {
 
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::IsSupersetOf;
+using namespace std::string_literals;
 using ::testing::UnorderedElementsAre;
 
 PropertyList text(std::string characters) { return {std::move(characters)}; }
@@ -417,6 +415,93 @@ TEST_F(PosixUserDefaultsTest, AWriterThatHoldsTheLockForEverIsNotWaitedForForEve
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
     EXPECT_EQ(defaults->object("key"), text("new"));
     EXPECT_EQ(open()->object("key"), text("former"));
+}
+
+// Crash hooks
+
+SignalSafeStore* crashStore = nullptr; // NOLINT: what a signal handler knows of the world
+
+class PosixSignalSafeStoreTest : public PosixUserDefaultsTest {
+protected:
+    // The child ends by the crash, in whose handler it stores its reason.
+    pid_t crashing(const std::function<void()>& crash) {
+        const auto child = ::fork();
+        if (child != 0) return child;
+        const auto defaults = open();
+        const auto store = defaults->makeSignalSafeStore("crash");
+        crashStore = store.get();
+        ::signal(SIGSEGV, [](int) {
+            const std::array<SignalSafeStore::Text, 1> reason{{{"crashreason", "SIGSEGV"}}};
+            ::_exit(crashStore->store(reason) ? 7 : 8);
+        });
+        crash();
+        ::_exit(9);
+    }
+};
+
+TEST_F(PosixSignalSafeStoreTest, StoresInAHandlerWhateverTheCrashingThreadHolds) {
+    const auto child = crashing([this] {
+        const FileLock held(path(".lock"));
+        ::raise(SIGSEGV);
+    });
+    const int status = statusOf(child);
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_EQ(open()->object("crash"), (PropertyList{PropertyList::Dictionary{{"crashreason", text("SIGSEGV")}}}));
+    open()->remove("crash");
+    EXPECT_EQ(open()->object("crash"), std::nullopt);
+}
+
+TEST_F(PosixSignalSafeStoreTest, WhatIsNoCharacterBecomesAReplacement) {
+    const auto defaults = open();
+    const auto store = defaults->makeSignalSafeStore("crash");
+    const auto odd = "a\0b\x01\x7F\xFF\xC0\xAF\xED\xA0\x80\xEF\xBF\xBF\xF5z\xE2\x82"s;
+    const std::array<SignalSafeStore::Text, 1> texts{{{"k", odd}}};
+    EXPECT_TRUE(store->store(texts));
+    const auto value = defaults->object("crash");
+    ASSERT_TRUE(value);
+    std::string expected = "a";
+    const auto replaced = [&](int count) {
+        for (int index = 0; index < count; ++index) expected += "\xEF\xBF\xBD";
+    };
+    replaced(1);
+    expected += "b";
+    replaced(1);
+    expected += "\x7F";
+    replaced(10);
+    expected += "z";
+    replaced(2);
+    EXPECT_EQ(*value, (PropertyList{PropertyList::Dictionary{{"k", text(expected)}}}));
+}
+
+TEST_F(PosixSignalSafeStoreTest, ALongTextIsStoredWhole) {
+    const auto defaults = open();
+    const auto store = defaults->makeSignalSafeStore("crash");
+    const std::string reason(100'000, '&');
+    const std::array<SignalSafeStore::Text, 1> texts{{{"crashreason", reason}}};
+    EXPECT_TRUE(store->store(texts));
+    EXPECT_EQ(open()->object("crash"), (PropertyList{PropertyList::Dictionary{{"crashreason", text(reason)}}}));
+}
+
+TEST_F(PosixSignalSafeStoreTest, WhatTheDiskRefusesLeavesTheFormerValue) {
+    const auto defaults = open();
+    defaults->setObject("crash", text("former"));
+    const auto store = defaults->makeSignalSafeStore("crash");
+    ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR);
+    const rlimit limit{1000, RLIM_INFINITY};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    const std::string reason(2000, 'x');
+    const std::array<SignalSafeStore::Text, 1> texts{{{"crashreason", reason}}};
+    EXPECT_FALSE(store->store(texts));
+    EXPECT_EQ(open()->object("crash"), text("former"));
+    EXPECT_THAT(names(), UnorderedElementsAre(".lock", "crash.plist"));
+}
+
+TEST_F(PosixSignalSafeStoreTest, WithoutAPlaceOnDiskThereIsNone) {
+    EXPECT_EQ(PosixUserDefaults("", std::make_shared<PosixPropertyLists>()).makeSignalSafeStore("crash"), nullptr);
+    EXPECT_EQ(open()->makeSignalSafeStore(std::string(300, 'k')), nullptr);
+    std::filesystem::remove_all(path());
+    writeFile(path(), "in the way");
+    EXPECT_EQ(open()->makeSignalSafeStore("crash"), nullptr);
 }
 
 TEST(FileLock, IsFreeAgainWhenItsHolderIsGone) {

@@ -39,6 +39,30 @@ bool MemoryUserDefaults::synchronize() {
     return true;
 }
 
+namespace {
+
+class MemoryStore final : public SignalSafeStore {
+public:
+    MemoryStore(UserDefaults& defaults, std::string_view key) : defaults_(defaults), key_(key) {}
+
+    bool store(std::span<const Text> texts) noexcept override {
+        PropertyList::Dictionary dictionary;
+        for (const auto& [key, value] : texts) dictionary[std::string(key)] = {std::string(value)};
+        defaults_.setObject(key_, {std::move(dictionary)});
+        return true;
+    }
+
+private:
+    UserDefaults& defaults_;
+    std::string key_;
+};
+
+} // namespace
+
+std::unique_ptr<SignalSafeStore> MemoryUserDefaults::makeSignalSafeStore(std::string_view key) {
+    return std::make_unique<MemoryStore>(*this, key);
+}
+
 int MemoryUserDefaults::synchronizations() const {
     return state_.read([](const State& state) { return state.synchronizations; });
 }

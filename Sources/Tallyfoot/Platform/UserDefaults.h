@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Tallyfoot/Platform/PropertyList.h"
+#include "Tallyfoot/Platform/SignalSafeStore.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +30,10 @@ public:
 
     // False when something set before could not be kept on disk.
     virtual bool synchronize() = 0;
+
+    // Made beforehand, for crash hooks, and used only while the store lives. Null where there is
+    // no place on disk for the key.
+    virtual std::unique_ptr<SignalSafeStore> makeSignalSafeStore(std::string_view /*key*/) { return nullptr; }
 };
 
 } // namespace tallyfoot

@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Platform/Posix/FileLock.h"
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
+#include "Tallyfoot/Platform/Posix/PosixSignalSafeStore.h"
 #include "Tallyfoot/Platform/PropertyListNumbers.h"
 
 #include <unistd.h>
@@ -113,6 +114,13 @@ bool PosixUserDefaults::synchronize() {
                   [this](const auto& entry) TALLYFOOT_REQUIRES(mutex_) { return keep(entry.first, entry.second); });
     hasUnkept_.store(!unkept_.empty(), std::memory_order_release);
     return unkept_.empty();
+}
+
+std::unique_ptr<SignalSafeStore> PosixUserDefaults::makeSignalSafeStore(std::string_view key) {
+    const auto path = files_.pathOf(key);
+    if (folder_.empty() || !path || !PosixFileManager().createDirectory(folder_)) return nullptr;
+    (void)table(); // so that it is open when it is asked for
+    return std::make_unique<PosixSignalSafeStore>(folder_, *path, std::string(key), table_);
 }
 
 bool PosixUserDefaults::keep(std::string_view key, const Value& value) {

@@ -35,6 +35,7 @@ public:
     void setObject(std::string_view key, const PropertyList& value) override;
     void remove(std::string_view key) override;
     bool synchronize() override;
+    std::unique_ptr<SignalSafeStore> makeSignalSafeStore(std::string_view key) override;
 
 private:
     using Number = NumberTable::Number;

@@ -1,0 +1,117 @@
+#include "Tallyfoot/Platform/Posix/PosixSignalSafeStore.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+
+namespace tallyfoot {
+
+namespace {
+
+// Collects small pieces and writes them out. Everything below runs inside a signal handler.
+class Output {
+public:
+    explicit Output(int file) : file_(file) {}
+
+    void add(std::string_view piece) noexcept {
+        for (const char byte : piece) {
+            if (used_ == buffer_.size()) flush();
+            buffer_[used_++] = byte;
+        }
+    }
+    bool flush() noexcept {
+        for (std::size_t done = 0; done < used_ && isGood_;) {
+            const auto count = ::write(file_, buffer_.data() + done, used_ - done);
+            if (count >= 0)
+                done += static_cast<std::size_t>(count);
+            else
+                isGood_ = errno == EINTR;
+        }
+        used_ = 0;
+        return isGood_;
+    }
+
+private:
+    int file_;
+    bool isGood_ = true;
+    std::size_t used_ = 0;
+    std::array<char, 512> buffer_{};
+};
+
+// How many bytes at the front make one character that XML allows; 0 when there is none.
+std::size_t lengthOfCharacter(std::string_view text) noexcept {
+    const auto lead = static_cast<unsigned char>(text.front());
+    if (lead < 0x80) return lead >= 0x20 || lead == '\t' || lead == '\n' ? 1 : 0;
+    const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    if (length == 0 || text.size() < length) return 0;
+    std::uint32_t scalar = lead & (0x7FU >> length);
+    for (std::size_t index = 1; index < length; ++index) {
+        const auto byte = static_cast<unsigned char>(text[index]);
+        if ((byte & 0xC0U) != 0x80) return 0;
+        scalar = scalar << 6U | (byte & 0x3FU);
+    }
+    constexpr std::array<std::uint32_t, 5> least{0, 0, 0x80, 0x800, 0x10000};
+    const bool isSurrogate = scalar >= 0xD800 && scalar < 0xE000;
+    const bool isAllowed =
+        scalar >= least[length] && scalar <= 0x10FFFF && !isSurrogate && (scalar & 0xFFFEU) != 0xFFFE;
+    return isAllowed ? length : 0;
+}
+
+void addEscaped(Output& output, std::string_view text) noexcept {
+    while (!text.empty()) {
+        const auto length = lengthOfCharacter(text);
+        switch (text.front()) {
+        case '\r': output.add("&#13;"); break; // bare, it would read as a line feed elsewhere
+        case '&': output.add("&amp;"); break;
+        case '<': output.add("&lt;"); break;
+        case '>': output.add("&gt;"); break;
+        default: output.add(length == 0 ? std::string_view("\xEF\xBF\xBD") : text.substr(0, length));
+        }
+        text.remove_prefix(length == 0 ? 1 : length);
+    }
+}
+
+bool write(int file, std::span<const SignalSafeStore::Text> texts) noexcept {
+    Output output(file);
+    output.add("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+               "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+               "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+               "<plist version=\"1.0\">\n<dict>\n");
+    for (const auto& [key, value] : texts) {
+        output.add("<key>");
+        addEscaped(output, key);
+        output.add("</key><string>");
+        addEscaped(output, value);
+        output.add("</string>\n");
+    }
+    output.add("</dict>\n</plist>\n");
+    return output.flush();
+}
+
+} // namespace
+
+PosixSignalSafeStore::PosixSignalSafeStore(const std::string& folder, std::string path, std::string key,
+                                           const std::atomic<NumberTable*>& numbers)
+    : hidden_(folder + "/.value." + std::to_string(::getpid()) + ".new"), path_(std::move(path)), key_(std::move(key)),
+      numbers_(numbers) {}
+
+bool PosixSignalSafeStore::store(std::span<const Text> texts) noexcept {
+    const int kept = errno;
+    const int file = ::open(hidden_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    bool isStored = file >= 0 && write(file, texts);
+    if (file >= 0) ::close(file);
+    isStored = isStored && std::rename(hidden_.c_str(), path_.c_str()) == 0;
+    if (!isStored && file >= 0) ::unlink(hidden_.c_str());
+
+    auto* numbers = numbers_.load(std::memory_order_acquire);
+    if (isStored && numbers != nullptr && numbers->isWritable())
+        if (auto* slot = numbers->find(key_); slot != nullptr && slot->number()) slot->clear();
+    errno = kept;
+    return isStored;
+}
+
+} // namespace tallyfoot

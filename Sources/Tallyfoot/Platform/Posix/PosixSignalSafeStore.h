@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Tallyfoot/Platform/Posix/NumberTable.h"
+#include "Tallyfoot/Platform/SignalSafeStore.h"
+
+#include <atomic>
+#include <string>
+
+namespace tallyfoot {
+
+// Writes the value file as an XML property list, which needs no room but a small buffer on the stack,
+// under a hidden name of the process's own; then renames it and clears the key's number, if any.
+class PosixSignalSafeStore final : public SignalSafeStore {
+public:
+    PosixSignalSafeStore(const std::string& folder, std::string path, std::string key,
+                         const std::atomic<NumberTable*>& numbers);
+
+    bool store(std::span<const Text> texts) noexcept override;
+
+private:
+    const std::string hidden_;
+    const std::string path_;
+    const std::string key_;
+    const std::atomic<NumberTable*>& numbers_;
+};
+
+} // namespace tallyfoot
