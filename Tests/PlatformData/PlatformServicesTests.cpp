@@ -2,11 +2,15 @@
 
 #include "Tallyfoot/Platform/Bundle.h"
 #include "Tallyfoot/Platform/PlatformServices.h"
+#include "Tallyfoot/Platform/Posix/UserDefaultsFolder.h"
 #include "Tallyfoot/Platform/Screen.h"
 #include "Tallyfoot/Platform/URLSession.h"
+#include "Tallyfoot/Platform/UserDefaults.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <thread>
 #include <vector>
 
@@ -26,6 +30,7 @@ TEST(PlatformServices, AreComplete) {
     EXPECT_TRUE(services.propertyLists);
     EXPECT_TRUE(services.random);
     EXPECT_TRUE(services.screen);
+    EXPECT_TRUE(services.userDefaults);
     ASSERT_TRUE(services.makeURLSession);
     EXPECT_TRUE(services.makeURLSession());
 }
@@ -40,6 +45,27 @@ TEST(PlatformServices, AreMadeOnceWhoeverAsks) {
 
 TEST(PlatformServices, EachSessionIsANewOne) {
     EXPECT_NE(defaultPlatformServices().makeURLSession(), defaultPlatformServices().makeURLSession());
+}
+
+TEST(PlatformServices, UserDefaultsLieInTheFolderOfTheMainBundle) {
+    const HostBundle host;
+    const TemporaryFolder home;
+    ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
+    auto& defaults = *defaultPlatformServices().userDefaults;
+    EXPECT_FALSE(std::filesystem::exists(home / "Tallyfoot")); // nothing is made before something is kept
+    defaults.setObject("User", {std::string("user-1")});
+    EXPECT_TRUE(defaults.synchronize());
+    const auto folder = home / "Tallyfoot/" + bundleFolderName(std::filesystem::canonical(host.path()).string());
+    EXPECT_TRUE(std::filesystem::is_directory(folder)) << folder;
+}
+
+TEST(PlatformServices, WithoutAHomeUserDefaultsLiveInMemory) {
+    ::unsetenv("XDG_CONFIG_HOME");
+    ::setenv("HOME", "/dev/null/home", 1);
+    auto& defaults = *defaultPlatformServices().userDefaults;
+    defaults.setInteger("EventCount", 7);
+    EXPECT_EQ(defaults.integer("EventCount"), 7);
+    EXPECT_FALSE(defaults.synchronize());
 }
 
 TEST(PlatformServices, TheScreenTakesTheHostsWord) {

@@ -355,12 +355,10 @@ TEST_F(PosixURLSessionTest, CompletionsRunOnOneThreadOneAtATimeAndOnce) {
     for (int task = 0; task < tasks; ++task)
         host.session().dataTask(post(task % 4 == 0 ? "no such path" : server.url()), [&, task](Result<std::string>) {
             EXPECT_EQ(running.fetch_add(1), 0);
-            {
-                const std::lock_guard lock(mutex);
-                threads.insert(std::this_thread::get_id());
-                ++calls[static_cast<std::size_t>(task)];
-                ++done;
-            }
+            const std::lock_guard lock(mutex);
+            threads.insert(std::this_thread::get_id());
+            ++calls[static_cast<std::size_t>(task)];
+            ++done;
             running.fetch_sub(1);
             changed.notify_all();
         });
@@ -473,7 +471,7 @@ TEST_F(PosixURLSessionDeathTest, TheProcessEndsWithAnUploadUnderWay) {
     EXPECT_EXIT(
         {
             ScriptedServer silent;
-            auto& session = *new PosixURLSession;
+            static auto& session = *new PosixURLSession;
             silent.script({"", Ending::fallsSilent, {}, {}});
             session.dataTask(post(silent.url()), [](const Result<std::string>&) {});
             silent.request(0);
@@ -486,8 +484,8 @@ TEST_F(PosixURLSessionDeathTest, ACompletionMayEndTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            auto& another = *new ScriptedServer;
-            auto& session = *new PosixURLSession;
+            static auto& another = *new ScriptedServer;
+            static auto& session = *new PosixURLSession;
             session.dataTask(post(another.url()), [](const Result<std::string>&) { std::exit(7); });
             std::promise<void>().get_future().wait();
         },

@@ -33,6 +33,7 @@ PlatformServices posixPlatformServices() {
     services.propertyLists = propertyLists;
     services.random = std::make_shared<PosixRandom>();
     services.screen = std::make_shared<PosixScreen>();
+    // Without a home the values live as long as the process.
     services.userDefaults = std::make_shared<PosixUserDefaults>(
         userDefaultsFolder(bundles->mainBundle().path()).value_or(std::string()), propertyLists);
     services.makeURLSession = [] { return std::make_shared<PosixURLSession>(); };
