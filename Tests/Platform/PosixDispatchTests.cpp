@@ -113,7 +113,6 @@ TEST(PosixDispatchQueue, ContendedTurnsWithBlocksOfEveryLengthExclude) {
     EXPECT_EQ(sum, 360);
 }
 
-#if !defined(__SANITIZE_THREAD__) && !defined(TALLYFOOT_NO_THREADS_AFTER_FORK)
 TEST(PosixDispatchQueue, WithoutAnyThreadToGiveTheNextCallerDoesTheWork) {
     TemporaryFolder folder;
     EXPECT_TRUE(asOrdinaryUser(folder, [] {
@@ -128,7 +127,6 @@ TEST(PosixDispatchQueue, WithoutAnyThreadToGiveTheNextCallerDoesTheWork) {
         return order == "abc";
     }));
 }
-#endif
 
 TEST(PosixDispatchSourceTimer, NeverTicksBeforeItsDeadline) {
     PosixDispatch dispatch;
