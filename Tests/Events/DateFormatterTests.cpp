@@ -57,6 +57,10 @@ TEST_F(DateFormatterTest, TheWholeTextMustBeADate) {
     EXPECT_FALSE(formatter.date(std::string_view("2024-03-07\0", 11)));
 }
 
+TEST_F(DateFormatterTest, AVeryLongTextIsNoDate) {
+    EXPECT_FALSE(DateFormatter("yyyy").date(std::string(10'000'000, '0') + "2024"));
+}
+
 TEST_F(DateFormatterTest, ADayThatIsNotInTheCalendarIsNoDate) {
     const DateFormatter formatter("yyyy-MM-dd HH:mm");
     EXPECT_TRUE(formatter.date("2024-02-29 23:59"));

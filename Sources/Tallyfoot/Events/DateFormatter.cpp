@@ -11,16 +11,22 @@ namespace tallyfoot {
 
 namespace {
 
+constexpr std::size_t longestDate = 1000; // no pattern of ours comes near it
+
 icu::UnicodeString fromUTF8(std::string_view text) {
     return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
 }
 
-// ICU cuts off what is less than a millisecond.
+// ICU cuts off what is less than a millisecond. Counted by hand: the earliest dates have no whole
+// millisecond before them that fits.
 UDate nearestMillisecond(Date date) {
-    using namespace std::chrono;
-    const auto millisecond = floor<milliseconds>(date);
-    const bool isNearerToTheNext = date - millisecond >= microseconds(500);
-    return static_cast<UDate>(millisecond.time_since_epoch().count() + (isNearerToTheNext ? 1 : 0));
+    constexpr std::int64_t each = 1'000'000;
+    const std::int64_t nanoseconds = date.time_since_epoch().count();
+    std::int64_t milliseconds = nanoseconds / each;
+    const std::int64_t rest = nanoseconds % each; // towards zero
+    if (rest >= each / 2) ++milliseconds;
+    if (rest < -each / 2) --milliseconds;
+    return static_cast<UDate>(milliseconds);
 }
 
 std::optional<Date> date(UDate milliseconds) {
@@ -55,6 +61,7 @@ std::string DateFormatter::string(Date date) const {
 }
 
 std::optional<Date> DateFormatter::date(std::string_view text) const {
+    if (text.size() > longestDate) return std::nullopt;
     const auto whole = fromUTF8(text);
     icu::ParsePosition position(0);
     UDate milliseconds = 0;

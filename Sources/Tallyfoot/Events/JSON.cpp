@@ -67,6 +67,7 @@ public:
     bool insert(std::string_view key) {
         if (!many_.empty()) return many_.emplace(key).second;
         if (std::find(few_.begin(), few_.end(), key) != few_.end()) return false;
+        if (few_.empty()) few_.reserve(8);
         few_.emplace_back(key);
         if (few_.size() > 32) many_.insert(few_.begin(), few_.end());
         return true;
