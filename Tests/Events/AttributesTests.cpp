@@ -41,6 +41,13 @@ TEST(Attributes, AnEmptyTextIsAnEntry) {
     EXPECT_NE(attributes, Attributes());
 }
 
+TEST(Attributes, AMissingTextIsAnEmptyOne) {
+    const char* missing = nullptr;
+    Attributes attributes;
+    attributes.set(LogAttribute::evtLabel, missing);
+    EXPECT_EQ(attributes, (Attributes{{LogAttribute::evtLabel, ""}}));
+}
+
 TEST(Attributes, AZeroByteIsPartOfAText) {
     Attributes attributes;
     attributes.set(LogAttribute::evtLabel, std::string_view("a\0b", 3));

@@ -41,7 +41,7 @@ public:
     void set(LogAttribute key, std::string_view text);
     void set(LogAttribute key, std::string&& text);
 
-    void set(LogAttribute key, const char* text) { set(key, std::string_view(text)); }
+    void set(LogAttribute key, const char* text) { set(key, text ? std::string_view(text) : std::string_view()); }
 
     void remove(LogAttribute key);
 

@@ -6,7 +6,7 @@
 namespace tallyfoot {
 
 // One interaction. Only the properties are written; the type reaches the record through the
-// attribute evtType alone. Every value is well-formed UTF-8 by the time an event is formatted.
+// attribute evtType alone. Values may hold any bytes: the formatter makes them well-formed UTF-8.
 struct Event {
     EventType type;
     Attributes properties;

@@ -11,7 +11,8 @@ namespace tallyfoot {
 //       "pgName" : "Home"
 //     }
 //
-// without a final line feed. Stateless; any thread.
+// without a final line feed. Values are escaped, and what is ill-formed in them becomes U+FFFD, a
+// maximal part of a sequence at a time. Stateless; any thread.
 class FileEventFormatter final : public EventFormatter {
 public:
     std::optional<std::string> format(const Event& event) const override;
