@@ -36,11 +36,28 @@ enum class ITFClass {
     viewController
 };
 
-inline constexpr std::array<std::string_view, 22> itfClassTexts{
-    "UISwipeActionStandardButton", "UIBarButtonItem", "UIButton", "UISegmentedControl", "UIStepper", "UISlider",
-    "UISwitch", "UIDatePicker", "UIPageControl", "UIRefreshControl", "UIAlertController", "UITapGestureRecognizer",
-    "UISwipeGestureRecognizer", "UIPinchGestureRecognizer", "UILongPressGestureRecognizer", "UIPanGestureRecognizer",
-    "UITableView", "UIScrollView", "UICollectionView", "UITabBar", "UISearchBar", "UIViewController"};
+inline constexpr std::array<std::string_view, 22> itfClassTexts{"UISwipeActionStandardButton",
+                                                                "UIBarButtonItem",
+                                                                "UIButton",
+                                                                "UISegmentedControl",
+                                                                "UIStepper",
+                                                                "UISlider",
+                                                                "UISwitch",
+                                                                "UIDatePicker",
+                                                                "UIPageControl",
+                                                                "UIRefreshControl",
+                                                                "UIAlertController",
+                                                                "UITapGestureRecognizer",
+                                                                "UISwipeGestureRecognizer",
+                                                                "UIPinchGestureRecognizer",
+                                                                "UILongPressGestureRecognizer",
+                                                                "UIPanGestureRecognizer",
+                                                                "UITableView",
+                                                                "UIScrollView",
+                                                                "UICollectionView",
+                                                                "UITabBar",
+                                                                "UISearchBar",
+                                                                "UIViewController"};
 constexpr const auto& rawValueTable(ITFClass) noexcept { return itfClassTexts; }
 
 constexpr std::string_view rawValue(ITFClass itfClass) noexcept {
