@@ -113,7 +113,7 @@ public:
     Tallyfoot(const Tallyfoot&) = delete;
     Tallyfoot& operator=(const Tallyfoot&) = delete;
 
-    struct Implementation; // the library's own
+    struct TALLYFOOT_INTERNAL Implementation; // the library's own
 
 private:
     Tallyfoot();

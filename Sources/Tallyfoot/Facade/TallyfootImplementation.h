@@ -12,7 +12,7 @@
 namespace tallyfoot {
 
 // What stands behind the facade: its state, and how configuration and application come together.
-struct Tallyfoot::Implementation {
+struct TALLYFOOT_INTERNAL Tallyfoot::Implementation {
     Implementation();
     static Implementation& shared() noexcept;
 

@@ -107,9 +107,12 @@ void EventRecorder::setUp(const std::shared_ptr<ApplicationInfo>& appInfo) {
 std::shared_ptr<FileHandler> EventRecorder::makeFileHandler(std::shared_ptr<const ApplicationInfo> appInfo,
                                                             bool isCurrent) {
     auto folder = std::make_shared<AppFolder>(*services_.fileManager, console_, std::move(appInfo));
+    const auto isOnItsWay = [this, backup = folder->path(AppFolder::Folder::backup)](std::string_view name) {
+        return isClaimed(backup + '/' + std::string(name));
+    };
     return std::make_shared<FileHandler>(
         FileHandler::Collaborators{*services_.fileManager, *services_.clock, console_, settings_}, configuration_,
-        std::move(folder), isCurrent, [this](std::string_view name) { return uploadManager_->isUploading(name); });
+        std::move(folder), isCurrent, isOnItsWay);
 }
 
 void EventRecorder::record(std::string& line) {
@@ -153,11 +156,14 @@ void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
     fileHandler->zip(turn);
 
     std::vector<std::string> archives;
+    bool isEmpty = false;
     inTurn([&] {
         archives = fileHandler->appFolder().archivePaths();
-        if (archives.empty()) forgetIfOld(*fileHandler);
+        isEmpty = archives.empty();
+        if (isEmpty) forgetIfOld(*fileHandler);
+        std::erase_if(archives, [this](const std::string& archive) { return !claim(archive); });
     });
-    if (archives.empty()) return;
+    if (isEmpty) return;
 
     const auto& appInfo = *fileHandler->appFolder().appInfo();
     console_.print({"Uploading logs for applicaton ", appInfo.appName()});
@@ -165,15 +171,21 @@ void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
     sender_ = authenticationInfo();
     const auto parameters = bodyParameters(appInfo, *sender_);
     printSummary(parameters);
-    for (const auto& archive : archives) {
-        // On its way, or coming back from it.
-        if (uploadManager_->isUploading(lastPathComponent(archive)) || FileHandler::isRestoring(archive)) continue;
+    for (const auto& archive : archives)
         uploadManager_->upload(
             archive, parameters,
             [weakSelf = weak_from_this(), fileHandler, archive](const UploadManager::Outcome& outcome) {
                 if (const auto self = weakSelf.lock()) self->completeUpload(*fileHandler, archive, outcome);
             });
-    }
+}
+
+bool EventRecorder::claim(const std::string& archivePath) {
+    if (uploadManager_->isUploading(lastPathComponent(archivePath))) return false;
+    return claimedArchives_.modify([&](auto& claimed) { return claimed.insert(archivePath).second; });
+}
+
+bool EventRecorder::isClaimed(const std::string& archivePath) const {
+    return claimedArchives_.read([&](const auto& claimed) { return claimed.contains(archivePath); });
 }
 
 void EventRecorder::forgetIfOld(FileHandler& fileHandler) {
@@ -216,6 +228,12 @@ void EventRecorder::printSummary(const UploadManager::Parameters& parameters) co
 
 void EventRecorder::completeUpload(FileHandler& fileHandler, const std::string& archivePath,
                                    const UploadManager::Outcome& outcome) {
+    applyOutcome(fileHandler, archivePath, outcome);
+    claimedArchives_.modify([&](auto& claimed) { claimed.erase(archivePath); });
+}
+
+void EventRecorder::applyOutcome(FileHandler& fileHandler, const std::string& archivePath,
+                                 const UploadManager::Outcome& outcome) {
     const auto turn = [this](FunctionRef<void()> block) { inTurn(block); };
     const auto* results = std::get_if<std::vector<UploadResult>>(&outcome);
     if (results == nullptr || results->empty()) {

@@ -18,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -70,6 +71,7 @@ private:
     void forgetIfOld(FileHandler& fileHandler);
     void checkUser(const Authentication& refreshed, FileHandler& fileHandler);
     void setEventCount(std::int64_t count);
+    bool claim(const std::string& archivePath); // false while it is on its way already
     std::shared_ptr<FileHandler> makeFileHandler(std::shared_ptr<const ApplicationInfo> appInfo, bool isCurrent);
 
     // Without it.
@@ -78,6 +80,8 @@ private:
     void upload(const std::shared_ptr<FileHandler>& fileHandler);
     void completeUpload(FileHandler& fileHandler, const std::string& archivePath,
                         const UploadManager::Outcome& outcome);
+    void applyOutcome(FileHandler& fileHandler, const std::string& archivePath, const UploadManager::Outcome& outcome);
+    bool isClaimed(const std::string& archivePath) const;
     void refreshAuthentication(FileHandler& fileHandler);
     UploadManager::Parameters bodyParameters(const ApplicationInfo& appInfo, const Authentication& sender) const;
     void printSummary(const UploadManager::Parameters& parameters) const;
@@ -93,6 +97,10 @@ private:
     const std::shared_ptr<DispatchQueue> uploadQueue_;
     std::shared_ptr<UploadManager> uploadManager_;
     std::atomic<bool> isUploading_ = false; // a trigger is at work; never held across an upload
+
+    // From before an archive is read until its answer has been dealt with, longer than the uploader
+    // knows of it: who restored it in between would have it sent twice.
+    Exclusive<std::set<std::string>> claimedArchives_;
 
     Exclusive<std::shared_ptr<Authentication>> authenticationInfo_;
     Exclusive<std::shared_ptr<ApplicationInfo>> appInfo_;

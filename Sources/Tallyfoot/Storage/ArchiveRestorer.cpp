@@ -1,40 +1,16 @@
 #include "Tallyfoot/Storage/ArchiveRestorer.h"
 
-#include "Tallyfoot/Platform/Exclusive.h"
 #include "Tallyfoot/Storage/Archive.h"
+#include "Tallyfoot/Storage/ArchiveClaim.h"
 #include "Tallyfoot/Storage/PathNames.h"
 
 #include <algorithm>
-#include <set>
 
 namespace tallyfoot {
 
 using Folder = AppFolder::Folder;
 
 namespace {
-
-Exclusive<std::set<std::string>>& archivesAtWork() {
-    static auto& archives = *new Exclusive<std::set<std::string>>;
-    return archives;
-}
-
-// Keeps a second restore of one archive away for as long as it lives.
-class Claim {
-public:
-    explicit Claim(const std::string& path)
-        : path_(path), isOurs_(archivesAtWork().modify([&](auto& paths) { return paths.insert(path).second; })) {}
-    ~Claim() {
-        if (isOurs_) archivesAtWork().modify([&](auto& paths) { paths.erase(path_); });
-    }
-    Claim(const Claim&) = delete;
-    Claim& operator=(const Claim&) = delete;
-
-    explicit operator bool() const noexcept { return isOurs_; }
-
-private:
-    const std::string& path_;
-    bool isOurs_;
-};
 
 bool isSame(const FileAttributes& left, const FileAttributes& right) noexcept {
     return left.size == right.size && left.creationDate == right.creationDate;
@@ -51,14 +27,12 @@ ArchiveRestorer::ArchiveRestorer(FileManager& fileManager, DebugConsole console,
                                  const DatedNames& names)
     : fileManager_(fileManager), console_(console), appFolder_(appFolder), names_(names) {}
 
-bool ArchiveRestorer::isRestoring(const std::string& archivePath) {
-    return archivesAtWork().read([&](const auto& paths) { return paths.contains(archivePath); });
-}
+bool ArchiveRestorer::isRestoring(const std::string& archivePath) { return ArchiveClaim::isHeld(archivePath); }
 
 void ArchiveRestorer::restore(const std::string& archivePath, const std::vector<std::string>& delivered, Turn turn) {
-    const Claim claim(archivePath);
+    const ArchiveClaim claim(archivePath);
     if (!claim) return report({"the archive is being restored already"});
-    WorkFiles work(fileManager_, appFolder_.path(Folder::backup), appFolder_.path(Folder::upload));
+    WorkFiles work(fileManager_, appFolder_.path(Folder::backup));
     auto unpacked = unpack(archivePath, work);
     if (!unpacked) return report(unpacked.error());
     auto& entries = unpacked.value();
@@ -119,7 +93,9 @@ Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, 
     // What was delivered never comes into sight.
     if (entry.isDelivered || isTwinThere(name, entry)) return {};
     auto path = appFolder_.path(Folder::upload, name);
-    if (fileManager_.fileExists(path)) path = appFolder_.path(Folder::upload, names_.next(extension(name)));
+    // Nor may it lie where the file of that name that is being written will move to.
+    if (fileManager_.fileExists(path) || fileManager_.fileExists(appFolder_.path(Folder::events, name)))
+        path = appFolder_.path(Folder::upload, names_.next(extension(name)));
     auto moved = fileManager_.moveItem(work.entryPath(name), path);
     if (moved) entry.restoredPath = std::move(path);
     return moved;

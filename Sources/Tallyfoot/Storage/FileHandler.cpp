@@ -24,8 +24,7 @@ FileHandler::FileHandler(Collaborators collaborators, std::shared_ptr<const Uplo
                                                                    configuration_->storageSize().inBytes()},
       names_(collaborators_.fileManager, collaborators_.clock, *appFolder_) {
     appFolder_->createFolders();
-    WorkFiles::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup),
-                               appFolder_->path(Folder::upload));
+    WorkFiles::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup));
     restoreArchives(isInFlight);
     trim();
     if (isCurrentApplication) {
@@ -64,8 +63,11 @@ std::string FileHandler::currentFilePath() const {
 
 void FileHandler::ensureCurrentFileExists() {
     auto& fileManager = collaborators_.fileManager;
+    if (fileManager.fileExists(currentFilePath())) return;
+    // An archive that came back meanwhile may have brought a closed file of this name.
+    if (fileManager.fileExists(appFolder_->path(Folder::upload, *currentLogFileName_)))
+        currentLogFileName_ = names_.next(".log");
     const auto path = currentFilePath();
-    if (fileManager.fileExists(path)) return;
     trim();
     auto created = fileManager.writeAtomically(path, {});
     if (!created && !fileManager.directoryExists(appFolder_->path(Folder::events))) {

@@ -34,32 +34,33 @@ LogPacker::Logs LogPacker::closedLogs(Turn turn) {
 }
 
 LogPacker::Outcome LogPacker::attempt(const Logs& logs, Turn turn) {
-    WorkFiles work(fileManager_, appFolder_.path(Folder::backup), appFolder_.path(Folder::upload));
-    if (const auto packed = pack(logs, work); !packed) {
-        if (!areUnchanged(logs)) return Outcome::changed;
+    WorkFiles work(fileManager_, appFolder_.path(Folder::backup));
+    const auto packed = pack(logs, work);
+    if (!packed && areUnchanged(logs)) {
         report(packed.error().description);
         return Outcome::failed;
     }
-    const auto stuck = take(logs, work, turn);
-    if (!stuck) {
-        turn([&] { work.giveBack(); });
-        return Outcome::changed;
-    }
-    Result<void> done;
-    bool isStillWanted = true;
+    if (!packed) return Outcome::changed;
+
+    auto outcome = Outcome::packed;
+    auto next = logs.begin();
+    // Nobody may restore the archive before its logs have left, or they would go as packed ones.
+    std::optional<ArchiveClaim> claim;
     turn([&] {
-        // Gone with all logs, when the user has changed meanwhile.
-        isStillWanted = fileManager_.fileExists(work.archivePath());
-        if (isStillWanted) done = finish(*stuck, work);
-        if (!done) work.giveBack();
+        // Trimmed meanwhile, or gone with all logs because the user has changed.
+        if (!areUnchanged(logs) || !fileManager_.fileExists(work.archivePath())) {
+            outcome = Outcome::changed;
+        } else if (const auto moved = putInPlace(work, claim); !moved) {
+            report(moved.error().description);
+            outcome = Outcome::failed;
+        } else {
+            next = discardSome(logs, next, work);
+        }
     });
-    if (!isStillWanted) return Outcome::changed;
-    if (!done) {
-        report(done.error().description);
-        return Outcome::failed;
-    }
+    if (outcome != Outcome::packed) return outcome;
+    while (next != logs.end()) turn([&] { next = discardSome(logs, next, work); });
     echo(logs, work);
-    return Outcome::packed;
+    return outcome;
 }
 
 Result<void> LogPacker::pack(const Logs& logs, WorkFiles& work) const {
@@ -78,31 +79,25 @@ bool LogPacker::isUnchanged(const AppFolder::Item& log) const {
     return now && now.value().size == log.attributes->size && now.value().creationDate == log.attributes->creationDate;
 }
 
-std::optional<LogPacker::Names> LogPacker::take(const Logs& logs, WorkFiles& work, Turn turn) const {
-    Names stuck;
-    bool areAsNoted = true;
-    for (auto log = logs.begin(); log != logs.end() && areAsNoted;) {
-        turn([&] {
-            for (int count = 0; count < filesPerTurn && log != logs.end() && areAsNoted; ++count, ++log) {
-                areAsNoted = isUnchanged(*log);
-                if (areAsNoted && !work.take(log->name)) stuck.push_back(log->name);
-            }
-        });
-    }
-    return areAsNoted ? std::optional(std::move(stuck)) : std::nullopt;
+Result<void> LogPacker::putInPlace(const WorkFiles& work, std::optional<ArchiveClaim>& claim) const {
+    const auto archive = appFolder_.path(Folder::backup, names_.next(".zip"));
+    claim.emplace(archive);
+    return fileManager_.moveItem(work.archivePath(), archive);
 }
 
-Result<void> LogPacker::finish(const Names& stuck, WorkFiles& work) {
-    const auto archive = appFolder_.path(Folder::backup, names_.next(".zip"));
-    if (auto moved = fileManager_.moveItem(work.archivePath(), archive); !moved) return moved;
-    for (const auto& name : stuck) (void)appFolder_.remove(appFolder_.path(Folder::upload, name)); // says why not
-    return {};
+LogPacker::Logs::const_iterator LogPacker::discardSome(const Logs& logs, Logs::const_iterator next,
+                                                       WorkFiles& work) const {
+    for (int count = 0; count < filesPerTurn && next != logs.end(); ++count, ++next) {
+        const auto path = appFolder_.path(Folder::upload, next->name);
+        if (isUnchanged(*next) && !work.discard(path)) (void)appFolder_.remove(path); // says why not
+    }
+    return next;
 }
 
 void LogPacker::echo(const Logs& logs, const WorkFiles& work) const {
     for (const auto& log : logs) {
         if (!console_.isOn()) return;
-        const auto text = fileManager_.contents(work.takenPath(log.name));
+        const auto text = fileManager_.contents(work.discardedPath(log.name));
         if (!text) continue;
         constexpr std::string_view frame = "*******\n";
         std::string block;

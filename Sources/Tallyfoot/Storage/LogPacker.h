@@ -3,12 +3,12 @@
 #include "Tallyfoot/Platform/DebugConsole.h"
 #include "Tallyfoot/Platform/FileManager.h"
 #include "Tallyfoot/Storage/AppFolder.h"
+#include "Tallyfoot/Storage/ArchiveClaim.h"
 #include "Tallyfoot/Storage/DatedNames.h"
 #include "Tallyfoot/Storage/Turn.h"
 #include "Tallyfoot/Storage/WorkFiles.h"
 
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,13 +18,13 @@ namespace tallyfoot {
 // packing, and never longer than for a few files to be renamed:
 //
 //     without the turn    note the closed files; pack them under a hidden name
-//     in short turns      take those files out of Upload, if they are still as noted
-//     in one turn         the archive into place; from here on the files are in it alone
+//     in one turn         the archive into place, if the files are still as noted
+//     in short turns      the files out of Upload
 //     without the turn    echo them, delete them
 //
-// Trimming may have taken a file meanwhile; then all return and it starts over. A kill before the
-// archive is in place leaves the logs, one right after it logs and archive, which the next start
-// reconciles. Empty log files, of which there is nothing to send, are deleted on the way.
+// Trimming may have taken a file meanwhile; then it starts over. At every instant each record stands
+// in a log or in an archive: a kill right after the archive is in place leaves both, which the next
+// start reconciles. Empty log files, of which there is nothing to send, are deleted on the way.
 //
 // The echo of a file, while the console is on:
 //
@@ -48,9 +48,8 @@ private:
     Result<void> pack(const Logs& logs, WorkFiles& work) const;
     bool areUnchanged(const Logs& logs) const;
     bool isUnchanged(const AppFolder::Item& log) const;
-    using Names = std::vector<std::string>;
-    std::optional<Names> take(const Logs& logs, WorkFiles& work, Turn turn) const; // those that cannot be taken
-    Result<void> finish(const Names& stuck, WorkFiles& work);
+    Result<void> putInPlace(const WorkFiles& work, std::optional<ArchiveClaim>& claim) const;
+    Logs::const_iterator discardSome(const Logs& logs, Logs::const_iterator next, WorkFiles& work) const;
     void echo(const Logs& logs, const WorkFiles& work) const;
     void report(std::string_view error) const;
 

@@ -14,10 +14,9 @@ namespace tallyfoot {
 
 namespace {
 
-// ".work-7.archive.zip", ".work-7.taken.<name>", ".work-7.entry.<name>", ".work-7.waste.<name>"
+// ".work-7.archive.zip", ".work-7.entry.<name>", ".work-7.waste.<name>"
 constexpr std::string_view start = ".work-";
 constexpr std::string_view archive = "archive.zip";
-constexpr std::string_view taken = "taken.";
 constexpr std::string_view entry = "entry.";
 constexpr std::string_view waste = "waste.";
 
@@ -54,40 +53,19 @@ std::string unusedPrefix(const FileManager& fileManager, const std::string& back
     }
 }
 
-// Whether nothing is left that was taken.
-bool giveBack(FileManager& fileManager, const std::string& backup, const std::string& upload,
-              const std::string& prefix) {
-    bool isAll = true;
-    const auto takenPrefix = prefix + std::string(taken);
-    for (const auto& name : names(fileManager, backup, takenPrefix)) {
-        const auto formerName = std::string_view(name).substr(takenPrefix.size());
-        if (!fileManager.moveItem(joined(backup, name), joined(upload, formerName))) isAll = false;
-    }
-    return isAll;
-}
-
-void dissolve(FileManager& fileManager, const std::string& backup, const std::string& upload,
-              const std::string& prefix) {
-    // The archive goes last: until then it says where the rest belongs.
-    const auto archivePath = joined(backup, prefix, archive);
-    const bool isUnfinished = fileManager.fileExists(archivePath);
-    if (isUnfinished && !giveBack(fileManager, backup, upload, prefix)) return;
-    for (const auto& name : names(fileManager, backup, prefix)) {
-        if (const auto path = joined(backup, name); path != archivePath) (void)fileManager.removeItem(path);
-    }
-    if (isUnfinished) (void)fileManager.removeItem(archivePath);
+void dissolve(FileManager& fileManager, const std::string& backup, const std::string& prefix) {
+    for (const auto& name : names(fileManager, backup, prefix)) (void)fileManager.removeItem(joined(backup, name));
 }
 
 } // namespace
 
-WorkFiles::WorkFiles(FileManager& fileManager, std::string backup, std::string upload)
-    : fileManager_(fileManager), backup_(std::move(backup)), upload_(std::move(upload)),
-      prefix_(unusedPrefix(fileManager, backup_)) {
+WorkFiles::WorkFiles(FileManager& fileManager, std::string backup)
+    : fileManager_(fileManager), backup_(std::move(backup)), prefix_(unusedPrefix(fileManager, backup_)) {
     inUse().modify([&](auto& prefixes) { prefixes.insert(joined(backup_, prefix_)); });
 }
 
 WorkFiles::~WorkFiles() {
-    dissolve(fileManager_, backup_, upload_, prefix_);
+    dissolve(fileManager_, backup_, prefix_);
     inUse().modify([&](auto& prefixes) { prefixes.erase(joined(backup_, prefix_)); });
 }
 
@@ -95,24 +73,18 @@ std::string WorkFiles::archivePath() const { return joined(backup_, prefix_, arc
 
 std::string WorkFiles::entryPath(std::string_view name) const { return joined(backup_, prefix_, entry, name); }
 
-std::string WorkFiles::takenPath(std::string_view name) const { return joined(backup_, prefix_, taken, name); }
-
-Result<void> WorkFiles::take(const std::string& name) {
-    return fileManager_.moveItem(joined(upload_, name), takenPath(name));
-}
+std::string WorkFiles::discardedPath(std::string_view name) const { return joined(backup_, prefix_, waste, name); }
 
 Result<void> WorkFiles::discard(const std::string& path) {
-    return fileManager_.moveItem(path, joined(backup_, prefix_, waste, lastPathComponent(path)));
+    return fileManager_.moveItem(path, discardedPath(lastPathComponent(path)));
 }
 
-void WorkFiles::giveBack() { (void)tallyfoot::giveBack(fileManager_, backup_, upload_, prefix_); }
-
-void WorkFiles::removeAbandoned(FileManager& fileManager, const std::string& backup, const std::string& upload) {
+void WorkFiles::removeAbandoned(FileManager& fileManager, const std::string& backup) {
     const auto used = inUse().copy();
     std::set<std::string> prefixes;
     for (const auto& name : names(fileManager, backup, start)) prefixes.insert(name.substr(0, name.find('.', 1) + 1));
     for (const auto& prefix : prefixes) {
-        if (!used.contains(joined(backup, prefix))) dissolve(fileManager, backup, upload, prefix);
+        if (!used.contains(joined(backup, prefix))) dissolve(fileManager, backup, prefix);
     }
     const auto folder = backup + '/';
     if (std::ranges::any_of(used, [&](const auto& prefix) { return prefix.starts_with(folder); })) return;
