@@ -16,7 +16,7 @@ using nlohmann::ordered_json;
 
 constexpr std::size_t largestBody = std::size_t{64} << 20U;
 
-void answerText(httplib::Response& response, std::string text, int status = 200) {
+void answerText(httplib::Response& response, const std::string& text, int status = 200) {
     response.status = status;
     response.set_content(text, "application/json");
 }
@@ -143,6 +143,8 @@ void CollectorServer::addRoutes() {
             std::rethrow_exception(thrown);
         } catch (const std::invalid_argument& failure) {
             answerError(response, 400, failure.what());
+        } catch (const json::exception& failure) { // a member of the wrong kind
+            answerError(response, 400, failure.what());
         } catch (const std::exception& failure) {
             answerError(response, 500, failure.what());
         }
@@ -184,6 +186,7 @@ void CollectorServer::answerFaults(const httplib::Request& request, httplib::Res
         if (!parsed) return answerError(response, 400, parsed.error().description);
         faults.insert(faults.end(), parsed.value().begin(), parsed.value().end());
     }
+    if (description.value("clear", false)) faults_.clear();
     const auto random = description.find("random");
     if (random != description.end()) {
         if (!random->is_number_unsigned()) return answerError(response, 400, "\"random\" is a seed");

@@ -27,7 +27,8 @@ struct CollectorOptions {
 
 // A development server for uploads. POST to any path outside of /v1 is an upload; below /v1 a test
 // asks what came and says what is to go wrong:
-//   POST /v1/faults   {"faults": [{"kind": …}, …]}, one taken by each upload in turn
+//   POST /v1/faults   {"faults": [{"kind": …}, …]}, one taken by each upload in turn; "clear": true drops
+//                     those before, "random": seed lets chance decide once none is left
 //   GET  /v1/events   ?type= &after= &accepted= &duplicate=
 //   GET  /v1/uploads, /v1/problems, /v1/summary
 //   POST /v1/expect   {"count", "type", "match", "timeoutMilliseconds", "after", "all"}: waits; 408 with the nearest

@@ -41,14 +41,12 @@ std::string prettyPrinted(std::string_view compactObject) {
     std::string text;
     text.reserve(compactObject.size() + compactObject.size() / 8);
     forEachTokenByte(compactObject, [&](char byte, bool inString) {
-        if (inString) {
-            text += byte;
-        } else if (byte == '{' || byte == ',') {
+        if (!inString && (byte == '{' || byte == ',')) {
             text += byte;
             text += "\n  ";
-        } else if (byte == ':') {
+        } else if (!inString && byte == ':') {
             text += " : ";
-        } else if (byte == '}') {
+        } else if (!inString && byte == '}') {
             text += "\n}";
         } else {
             text += byte;

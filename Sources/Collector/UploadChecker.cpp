@@ -25,12 +25,25 @@ std::string onlyHeader(CheckedUpload& upload, std::string_view name) {
 void checkHead(std::string_view bytes, CheckedUpload& upload) {
     upload.head = RequestHead::parse(bytes, upload.problems);
     if (upload.head.method != "POST") report(upload, "method", "the method is " + upload.head.method);
-    upload.cookie = onlyHeader(upload, "cookie");
-    for (const auto& header : upload.head.all("cookie")) {
-        if (header.name != "cookie") report(upload, "header", "cookie is not written in lower case");
-    }
+    onlyHeader(upload, "Content-Length");
+    if (!upload.head.all("Transfer-Encoding").empty()) report(upload, "header", "the body comes in chunks");
     if (!upload.head.all("Expect").empty()) report(upload, "header", "an Expect header, which costs a round trip");
     if (!upload.head.all("Content-Encoding").empty()) report(upload, "header", "the body is encoded");
+}
+
+// The header is the token as it is. A token that cannot stand in a header comes without one.
+void checkCookie(CheckedUpload& upload, std::string_view token) {
+    const auto headers = upload.head.all("cookie");
+    if (headers.size() > 1) report(upload, "cookie", "header cookie comes twice");
+    for (const auto& header : headers) {
+        if (header.name != "cookie") report(upload, "cookie", "header cookie is not written in lower case");
+        upload.cookie = header.value;
+    }
+    const bool fits = token.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+    if (fits && headers.empty()) report(upload, "cookie", "header cookie is missing");
+    if (!headers.empty() && (!fits || trimmedBlanks(token) != upload.cookie)) {
+        report(upload, "cookie", "header cookie differs from field authtoken");
+    }
 }
 
 void checkRecords(CheckedUpload& upload, CheckedFile& file) {
@@ -87,14 +100,10 @@ CheckedUpload checkUpload(std::string_view head, std::string_view body) {
     upload.bodyBytes = body.size();
     checkHead(head, upload);
     auto content = checkMultipart(onlyHeader(upload, "Content-Type"), body, upload.problems);
+    checkCookie(upload, content.field("authtoken"));
     upload.boundary = std::move(content.boundary);
     upload.filename = std::move(content.filename);
     upload.fields = std::move(content.fields);
-    for (const auto& [name, value] : upload.fields) {
-        if (name == "authtoken" && trimmedBlanks(value) != upload.cookie) {
-            report(upload, "cookie", "the cookie header differs from the field authtoken");
-        }
-    }
     if (content.hasFile) checkArchive(upload, content.file);
     return upload;
 }

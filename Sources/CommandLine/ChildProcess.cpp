@@ -33,13 +33,14 @@ std::vector<std::string> environment(const std::map<std::string, std::string>& v
         if (!variables.contains(std::string(text.substr(0, text.find('='))))) all.emplace_back(text);
     }
     for (const auto& [name, value] : variables) {
-        if (!value.empty()) all.push_back(name + "=" + value);
+        if (!value.empty()) all.emplace_back(name).append("=").append(value);
     }
     return all;
 }
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> all;
+    all.reserve(texts.size() + 1);
     for (auto& text : texts) all.push_back(text.data());
     all.push_back(nullptr);
     return all;

@@ -13,6 +13,8 @@ class CollectorClient {
 public:
     explicit CollectorClient(int port) : port_(port) {}
 
+    int port() const { return port_; }
+
     struct Reply {
         int status = 0;
         nlohmann::json body;

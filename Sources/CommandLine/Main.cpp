@@ -1,5 +1,7 @@
 #include "CommandLine/CatCommand.h"
 #include "CommandLine/CollectCommand.h"
+#include "CommandLine/DemoCommand.h"
+#include "CommandLine/DemoHostCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -17,6 +19,8 @@ int main(int count, char** arguments) {
     int status = 0;
     tallyfoot::commandline::CollectCommand collect(app, status);
     tallyfoot::commandline::CatCommand cat(app, status);
+    tallyfoot::commandline::DemoCommand demo(app, status);
+    tallyfoot::commandline::DemoHostCommand demoHost(app, status);
     try {
         app.parse(count, arguments);
     } catch (const CLI::ParseError& error) {

@@ -190,11 +190,20 @@ TEST(CollectorProcess, FaultsAreTakenInTheirOrderAndOneATime) {
     EXPECT_EQ(send(collector.port(), TestUpload()).response().at("statusCode"), 200);
 }
 
+TEST(CollectorProcess, ClearingTheFaultsDropsThoseBefore) {
+    CollectorProcess collector({"--fault", "http:500"});
+    EXPECT_EQ(collector.post("/v1/faults", {{"clear", true}, {"faults", {{{"kind", "garbage"}}}}}).body.at("queued"),
+              1);
+    EXPECT_EQ(collector.post("/v1/faults", {{"clear", true}}).body.at("queued"), 0);
+    EXPECT_EQ(send(collector.port(), TestUpload()).response().at("statusCode"), 200);
+}
+
 TEST(CollectorProcess, RefusesAFaultItDoesNotKnow) {
     CollectorProcess collector;
     EXPECT_EQ(collector.post("/v1/faults", {{"faults", {{{"kind", "fire"}}}}}).status, 400);
     EXPECT_EQ(collector.post("/v1/faults", {{"faults", {{{"kind", "reset"}, {"after", 1}}}}}).status, 400);
     EXPECT_EQ(collector.post("/v1/faults", {{"faults", 7}}).status, 400);
+    EXPECT_EQ(collector.post("/v1/faults", {{"clear", "yes"}}).status, 400);
 }
 
 TEST(CollectorProcess, AnUnreadableBodyGetsAnAnswerThatKeepsTheClientsData) {

@@ -43,14 +43,33 @@ TEST(UploadChecker, TheCookieIsTheToken) {
 TEST(UploadChecker, TheCookieComesOnceAndInLowerCase) {
     TestUpload twice;
     twice.extraHeaders = "cookie: token-1\r\n";
-    EXPECT_EQ(kinds(check(twice)), List{"header"});
+    EXPECT_EQ(kinds(check(twice)), List{"cookie"});
     const TestUpload upload;
     const auto body = upload.body();
     auto head = upload.head(body.size());
     head.replace(head.find("cookie"), 6, "Cookie");
-    EXPECT_EQ(kinds(checkUpload(head, body)), List{"header"});
+    EXPECT_EQ(kinds(checkUpload(head, body)), List{"cookie"});
     head.erase(head.find("Cookie"), std::string("Cookie: token-1\r\n").size());
-    EXPECT_EQ(kinds(checkUpload(head, body)), (List{"header", "cookie"}));
+    EXPECT_EQ(kinds(checkUpload(head, body)), List{"cookie"});
+}
+
+TEST(UploadChecker, ATokenThatFitsNoHeaderComesWithoutOne) {
+    TestUpload upload;
+    upload.setField("authtoken", "a\r\nb: c");
+    const auto body = upload.body();
+    auto head = upload.head(body.size());
+    EXPECT_EQ(kinds(checkUpload(head, body)), List{"cookie"});
+    head.erase(head.find("cookie"), std::string("cookie: token-1\r\n").size());
+    EXPECT_EQ(kinds(checkUpload(head, body)), List{});
+}
+
+TEST(UploadChecker, TheBodysLengthIsGivenAndNotInChunks) {
+    const TestUpload upload;
+    const auto body = upload.body();
+    auto head = upload.head(body.size());
+    head.replace(head.find("Content-Length: " + std::to_string(body.size())),
+                 ("Content-Length: " + std::to_string(body.size())).size(), "Transfer-Encoding: chunked");
+    EXPECT_EQ(kinds(checkUpload(head, body)), (List{"header", "header"}));
 }
 
 TEST(UploadChecker, NoExpectHeader) {

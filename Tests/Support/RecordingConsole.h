@@ -15,7 +15,7 @@ public:
         text_.modify([&](std::string& all) { all += text; });
     }
     std::string text() const { return text_.copy(); }
-    std::vector<std::string> lines() const; // without their line feeds
+    std::vector<std::string> lines() const;     // without their line feeds
     bool contains(std::string_view line) const; // as a whole line
     void clear() { text_.exchange({}); }
 

@@ -20,7 +20,7 @@ private:
     std::filesystem::path path_;
 };
 
-std::string readFile(const std::filesystem::path& path); // fails the test if it cannot be read
+std::string readFile(const std::filesystem::path& path);                   // fails the test if it cannot be read
 void writeFile(const std::filesystem::path& path, std::string_view bytes); // with its parents
 
 } // namespace tallyfoot::testing

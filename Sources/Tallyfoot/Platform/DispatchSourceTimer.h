@@ -16,8 +16,7 @@ public:
 
     // First call `deadline` from now, then every `repeating` (none: once). A negative deadline is
     // now; a zero interval counts as one nanosecond; `nanoseconds::max()` never comes.
-    virtual void schedule(std::chrono::nanoseconds deadline,
-                          std::optional<std::chrono::nanoseconds> repeating,
+    virtual void schedule(std::chrono::nanoseconds deadline, std::optional<std::chrono::nanoseconds> repeating,
                           std::chrono::nanoseconds leeway) = 0;
     virtual void setEventHandler(std::function<void()> handler) = 0; // an empty one clears it
     virtual void resume() = 0;                                       // resuming once too often is fatal

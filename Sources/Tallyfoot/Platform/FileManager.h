@@ -37,7 +37,7 @@ public:
     virtual Result<std::vector<std::string>> subpathsOfDirectory(const std::string& path) const = 0;
 
     virtual Result<void> createDirectory(const std::string& path) = 0; // with its parents; an existing one is fine
-    virtual Result<void> moveItem(const std::string& source, const std::string& destination) = 0; // replaces nothing
+    virtual Result<void> moveItem(const std::string& source, const std::string& destination) = 0;    // replaces nothing
     virtual Result<void> replaceItem(const std::string& source, const std::string& destination) = 0; // one rename
     virtual Result<void> removeItem(const std::string& path) = 0; // a folder goes with everything in it
 

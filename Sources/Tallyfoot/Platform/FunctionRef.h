@@ -14,9 +14,10 @@ template <class Result, class... Arguments>
 class FunctionRef<Result(Arguments...)> {
 public:
     template <class Callable>
-        requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>
-                 && std::is_invocable_r_v<Result, Callable&, Arguments...>)
-    FunctionRef(Callable&& callable) noexcept // NOLINT: implicit on purpose, as a lambda is passed
+    requires(!std::is_same_v<std::remove_cvref_t<Callable>,
+                             FunctionRef> && std::is_invocable_r_v<Result, Callable&, Arguments...>)
+        FunctionRef(Callable&& callable)
+    noexcept // NOLINT: implicit on purpose, as a lambda is passed
         : object_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
           call_([](void* object, Arguments... arguments) -> Result {
               return (*static_cast<std::remove_reference_t<Callable>*>(object))(std::forward<Arguments>(arguments)...);

@@ -79,7 +79,8 @@ struct BinaryDeleter {
 } // namespace
 
 std::optional<PropertyList> decoded(std::string_view bytes) {
-    if (bytes.size() > std::numeric_limits<std::uint32_t>::max() || !TagScanner(bytes).isWholeAndShallow()) return std::nullopt;
+    if (bytes.size() > std::numeric_limits<std::uint32_t>::max() || !TagScanner(bytes).isWholeAndShallow())
+        return std::nullopt;
     plist_t parsed = nullptr;
     plist_from_xml(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &parsed);
     const std::unique_ptr<void, NodeDeleter> node(parsed);

@@ -1,0 +1,112 @@
+#include "CommandLine/DemoCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdlib>
+#include <iomanip>
+#include <iostream>
+
+namespace tallyfoot::commandline {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+DemoOptions quickOptions() {
+    DemoOptions options;
+    options.events = 400;
+    options.eventsCount = 20;
+    options.pauseMicroseconds = 0;
+    return options;
+}
+
+fs::path madeFolder() {
+    std::string name = (fs::temp_directory_path() / "tallyfoot-demo-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make the folder " + name);
+    return name;
+}
+
+void row(const std::string& name, std::int64_t count, const std::string& remark = {}) {
+    std::cout << "  " << std::left << std::setw(26) << name << std::right << std::setw(7) << count
+              << (remark.empty() ? "" : "   ") << remark << '\n';
+}
+
+void list(const std::string& title, const std::vector<std::string>& lines) {
+    if (lines.empty()) return;
+    std::cout << '\n' << title << '\n';
+    for (const auto& line : lines) std::cout << "  " << line << '\n';
+}
+
+void printTable(const DemoAccount& account) {
+    std::cout << '\n';
+    row("confirmed by the server", account.confirmed());
+    row("still on disk", account.onDisk());
+    row("discarded by rule", account.discarded(), "the former user's, when the user changed");
+    std::cout << "  " << std::string(33, '-') << '\n';
+    row("together", account.confirmed() + account.onDisk() + account.discarded());
+    row("logged", account.logged(), account.isBalanced() ? "the same" : "NOT THE SAME");
+}
+
+std::vector<std::string> fileLines(const DemoDisk& disk) {
+    std::vector<std::string> lines;
+    for (const auto& file : disk.files) {
+        lines.push_back(file.path + ": " + std::to_string(file.records) + " records, " + std::to_string(file.bytes)
+                        + " bytes");
+    }
+    return lines;
+}
+
+} // namespace
+
+DemoCommand::DemoCommand(CLI::App& app, int& status) {
+    auto* command = app.add_subcommand("demo", "Play a session against a local collector and settle the accounts");
+    auto* quick = command->add_flag("--quick", isQuick_, "Some hundreds of events without pauses");
+    command->add_option("--events", options_.events, "About how many events to log")
+        ->check(CLI::Range(1, 1000000))
+        ->excludes(quick)
+        ->capture_default_str();
+    command->add_option("--threads", options_.threads, "Threads that log")
+        ->check(CLI::Range(1, 64))
+        ->capture_default_str();
+    command->add_flag("--keep", keepsFolder_, "Keep the folder with everything that host and collector wrote");
+    command->footer("Everything stays on this machine. The exit status is 1 when one event is unaccounted for.");
+    command->callback([this, &status] { status = run(); });
+}
+
+int DemoCommand::run() const {
+    auto options = isQuick_ ? quickOptions() : options_;
+    options.threads = options_.threads;
+    const auto folder = madeFolder();
+    int status = 1;
+    {
+        DemoProgress progress;
+        DemoSession session(options, fs::read_symlink("/proc/self/exe").string(), folder, progress);
+        bool wasPlayed = true;
+        try {
+            session.play();
+        } catch (const std::exception& failure) {
+            progress.endStep();
+            std::cerr << "tallyfoot: " << failure.what() << '\n';
+            wasPlayed = false;
+        }
+        status = settle(session, wasPlayed);
+    }
+    if (keepsFolder_ || status != 0) {
+        std::cout << "\nEverything is in " << folder.string() << '\n';
+    } else {
+        fs::remove_all(folder);
+    }
+    return status;
+}
+
+int DemoCommand::settle(DemoSession& session, bool wasPlayed) const {
+    const auto account = session.account();
+    printTable(account);
+    list("Came twice", account.duplicates());
+    list("Files left", fileLines(session.disk()));
+    list("Errors", account.errors());
+    std::cout << std::flush;
+    return wasPlayed && account.isBalanced() && account.errors().empty() ? 0 : 1;
+}
+
+} // namespace tallyfoot::commandline

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "CommandLine/ChildProcess.h"
+#include "CommandLine/CollectorClient.h"
+#include "CommandLine/DemoAccount.h"
+#include "CommandLine/DemoDisk.h"
+#include "CommandLine/DemoProgress.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace tallyfoot::commandline {
+
+struct DemoOptions {
+    std::int64_t events = 4000; // about so many
+    int threads = 4;
+    int eventsCount = 150;                 // more than this many trigger an upload
+    std::int64_t pauseMicroseconds = 3000; // of each thread, after each event
+};
+
+// Plays a session: a collector and a host, each a process of its own, the second one led through good
+// and bad times. Every step is over before the next begins, so that what must have become of each
+// event is known. A step that does not come about throws std::runtime_error.
+class DemoSession {
+public:
+    // `tool` is this program; everything is kept below `folder`.
+    DemoSession(const DemoOptions& options, const std::string& tool, const std::filesystem::path& folder,
+                DemoProgress& progress);
+
+    void play();
+    // Asks the collector and looks at the disk. To be called when the session is over, well or not.
+    DemoAccount account();
+
+    const DemoDisk& disk() const { return disk_; }
+
+private:
+    static ChildProcess startCollector(const std::string& tool, const std::filesystem::path& folder);
+    static int port(ChildProcess& collector);
+    ChildProcess startHost(const std::string& tool) const;
+
+    void logFromSeveralThreads(std::int64_t count);
+    void failOnce(const std::string& what, const nlohmann::json& fault);
+    void changeUser();
+    void changeApplication(std::int64_t count);
+    void leaveSome();
+    void endHost();
+
+    void orderLog(std::int64_t count, const nlohmann::json& more = nlohmann::json::object());
+    void setFaults(const nlohmann::json& faults); // in place of those that are left
+    std::int64_t untilTrigger() const;            // events, the one that triggers included
+    bool isSettled() const;                       // every event is confirmed, discarded or in the file being written
+    void waitUntil(const std::string& what, const std::function<bool()>& condition);
+    void listenToHost();
+    void look();
+    nlohmann::json ask(const std::string& path) const;
+
+    DemoOptions options_;
+    std::filesystem::path folder_;
+    DemoProgress& progress_;
+    ChildProcess collector_;
+    CollectorClient client_;
+    ChildProcess host_;
+
+    std::int64_t logged_ = 0; // told by the host
+    bool isHostBusy_ = true;
+    bool isHostAsked_ = false;
+    std::optional<std::int64_t> begunAtUserChange_;
+    std::int64_t discarded_ = 0;
+    std::int64_t uploads_ = 0; // told by the collector
+    std::int64_t confirmed_ = 0;
+    DemoDisk disk_;
+};
+
+} // namespace tallyfoot::commandline
