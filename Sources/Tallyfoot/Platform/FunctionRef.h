@@ -16,8 +16,9 @@ public:
     template <class Callable>
     requires(!std::is_same_v<std::remove_cvref_t<Callable>,
                              FunctionRef> && std::is_invocable_r_v<Result, Callable&, Arguments...>)
+        // NOLINTNEXTLINE: implicit on purpose, as a lambda is passed; copies are excluded above
         FunctionRef(Callable&& callable)
-    noexcept // NOLINT: implicit on purpose, as a lambda is passed
+    noexcept
         : object_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
           call_([](void* object, Arguments... arguments) -> Result {
               return (*static_cast<std::remove_reference_t<Callable>*>(object))(std::forward<Arguments>(arguments)...);
