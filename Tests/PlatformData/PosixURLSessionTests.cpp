@@ -454,6 +454,25 @@ TEST_F(PosixURLSessionTest, TheSessionMayBeReleasedByItsOwnCompletion) {
     EXPECT_FALSE(secondCompleted);
 }
 
+TEST_F(PosixURLSessionTest, EveryTaskOfAReleasedSessionEndsOnceOrIsDropped) {
+    for (int round = 0; round < 30; ++round) {
+        constexpr int tasks = 10;
+        std::vector<std::atomic<int>> calls(tasks);
+        std::vector<std::promise<void>> released(tasks);
+        const auto before = server.requestCount();
+        auto session = std::make_unique<PosixURLSession>();
+        for (std::size_t task = 0; task < tasks; ++task)
+            session->dataTask(post(server.url()), [&calls, task, witness = std::make_shared<Witness>(released[task])](
+                                                      const Result<std::string>&) { ++calls[task]; });
+        if (round % 3 == 0) server.request(before);
+        session.reset();
+        for (std::size_t task = 0; task < tasks; ++task) {
+            ASSERT_EQ(released[task].get_future().wait_for(30s), std::future_status::ready);
+            EXPECT_LE(calls[task], 1);
+        }
+    }
+}
+
 TEST_F(PosixURLSessionTest, ASessionWithoutTasksCostsNoThread) {
     const auto threadCount = [] {
         std::ifstream status("/proc/self/status");

@@ -36,6 +36,10 @@ void close() {
         gate.left.waitUntil(gate.mutex, deadline);
 }
 
+[[noreturn]] void stay() {
+    for (;;) ::pause();
+}
+
 } // namespace
 
 void ExitGate::install() {
@@ -51,7 +55,7 @@ ExitGate::Pass::Pass() {
         isClosed = gate.isClosed;
         if (!isClosed) ++gate.inside;
     }
-    while (isClosed) ::pause();
+    if (isClosed) stay();
     isInside = true;
 }
 

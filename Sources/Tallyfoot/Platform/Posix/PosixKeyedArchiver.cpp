@@ -146,11 +146,13 @@ private:
     }
 
     bool isOfClass(const Dictionary& fields, std::string_view name) const {
+        const auto isName = [name](const std::string* text) { return text != nullptr && *text == name; };
         const auto* type = classOf(fields);
-        const auto* names = type == nullptr ? nullptr : entry<Array>(*type, "$classes");
+        if (type == nullptr) return false;
+        if (isName(entry<std::string>(*type, "$classname"))) return true;
+        const auto* names = entry<Array>(*type, "$classes");
         return names != nullptr && std::any_of(names->begin(), names->end(), [&](const PropertyList& one) {
-                   const auto* text = one.as<std::string>();
-                   return text != nullptr && *text == name;
+                   return isName(one.as<std::string>());
                });
     }
 
