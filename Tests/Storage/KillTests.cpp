@@ -1,5 +1,7 @@
 #include "StorageFixture.h"
 
+#include "Tallyfoot/Storage/Archive.h"
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,6 +39,7 @@ protected:
             clock.advance(std::chrono::milliseconds(7));
             handler->write("{" + std::to_string(number) + std::string(200, '.') + "}jsonsplit");
             if (::write(acknowledgements, &number, sizeof number) != sizeof number) ::_exit(1);
+            if (number - first == 500) ::pause(); // far enough ahead of the kill
             if (number % 5 == 0) handler->close();
             if (number % 10 == 0) handler->zip(directly);
             if (number % 30 == 0) {
@@ -45,23 +48,30 @@ protected:
         }
     }
 
-    // Every whole record that the next start finds.
-    std::set<int> recordsAfterTheNextStart() {
-        const auto handler = makeFileHandler();
-        handler->close();
+    // Every whole record in the files that anybody can see.
+    std::set<int> recordsInSight() {
         std::set<int> numbers;
-        for (const auto& log : handler->appFolder().nonEmptyLogPaths(Folder::upload)) {
-            auto text = readFile(log);
-            while (!text.empty()) {
-                const auto end = text.find("jsonsplit");
-                EXPECT_NE(end, text.npos) << "a record without its separator in " << log;
-                if (end == text.npos) break;
-                EXPECT_TRUE(text.starts_with('{') && text[end - 1] == '}') << text.substr(0, end);
-                numbers.insert(std::atoi(text.c_str() + 1));
-                text.erase(0, end + std::string_view("jsonsplit").size());
-            }
+        const auto folder = makeAppFolder();
+        for (const auto at : {Folder::events, Folder::upload}) {
+            for (const auto& log : folder->nonEmptyLogPaths(at)) addRecords(readFile(log), numbers);
+        }
+        for (const auto& archive : folder->archivePaths()) {
+            const TemporaryFolder unpacked;
+            const auto entries = Archive::unpack(fileManager, archive, unpacked / "");
+            EXPECT_TRUE(entries) << archive;
+            if (!entries) continue;
+            for (const auto& name : entries.value()) addRecords(readFile(unpacked / name), numbers);
         }
         return numbers;
+    }
+
+    static void addRecords(std::string text, std::set<int>& numbers) {
+        constexpr std::string_view separator = "jsonsplit";
+        for (auto end = text.find(separator); end != text.npos; end = text.find(separator)) {
+            EXPECT_TRUE(text.starts_with('{') && text[end - 1] == '}') << text.substr(0, end);
+            numbers.insert(std::atoi(text.c_str() + 1));
+            text.erase(0, end + separator.size());
+        }
     }
 };
 
@@ -69,11 +79,14 @@ TEST_F(KillTest, NoAcknowledgedRecordIsLostWheneverTheProcessIsKilled) {
     settings.showOutput = false;
     for (int round = 0; round < 25; ++round) {
         const auto acknowledged = runAndKill(round * 1'000'000, 1 + round * 7);
+        const auto left = recordsInSight();
+        for (const int number : acknowledged) ASSERT_TRUE(left.contains(number)) << number << " in round " << round;
         clock.advance(std::chrono::hours(1));
-        const auto found = recordsAfterTheNextStart();
+        makeFileHandler()->close();
+        const auto found = recordsInSight();
         for (const int number : acknowledged) ASSERT_TRUE(found.contains(number)) << number << " in round " << round;
         EXPECT_THAT(names(Folder::backup), ::testing::IsEmpty());
-        if (round % 5 == 4) makeFileHandler()->deleteAllLogs();
+        if (round % 2 == 1) makeFileHandler()->deleteAllLogs();
     }
 }
 

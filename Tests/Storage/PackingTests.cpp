@@ -129,7 +129,12 @@ TEST_F(PackingTest, ManyFilesLeaveUploadAFewPerTurn) {
         const auto now = names(Folder::upload).size();
         EXPECT_LE(before - now, static_cast<std::size_t>(filesPerTurn));
         before = now;
+        // What has left is in the archive, and nobody sends that yet.
+        const auto archives = handler->appFolder().archivePaths();
+        ASSERT_EQ(archives.size(), 1U);
+        EXPECT_TRUE(FileHandler::isRestoring(archives.front()));
     });
+    EXPECT_FALSE(FileHandler::isRestoring(handler->appFolder().archivePaths().front()));
     EXPECT_EQ(before, 0U);
     EXPECT_EQ(packedNames().size(), count);
 }
@@ -196,6 +201,21 @@ TEST_F(PackingTest, BetweenTwoTurnsEveryRecordIsInALogOrInAnArchive) {
     });
     EXPECT_GT(turns, 1);
     EXPECT_EQ(packedNames().size(), 100U);
+}
+
+TEST_F(PackingTest, AFileThatFollowedATrimmedOneIsNotTakenForIt) {
+    for (int index = 0; index < 100; ++index) put(Folder::upload, std::to_string(index) + ".log", "1");
+    int turns = 0;
+    std::string left;
+    handler->zip([&](FunctionRef<void()> block) {
+        if (++turns == 2) {
+            left = names(Folder::upload).front();
+            put(Folder::upload, left, "another one");
+        }
+        block();
+    });
+    EXPECT_EQ(bytes(Folder::upload, left), "another one");
+    EXPECT_THAT(names(Folder::upload), ElementsAre(left));
 }
 
 TEST_F(PackingTest, AFileGoneBeforeItIsReadIsNoError) {
@@ -272,14 +292,14 @@ TEST_F(PackingTest, WhatAKilledRunLeftUnfinishedGoesAtTheNextStart) {
     put(Folder::backup, ".work-1.archive.zip.XYZ", "half an archive");
     put(Folder::backup, ".work-99.entry.b.log", "half a restore");
     put(Folder::backup, ".work-99.waste.b.zip", "a restored archive");
-    put(Folder::backup, ".work-98.taken.c.log", "packed, and the archive is in place");
+    put(Folder::backup, ".work-98.waste.c.log", "packed, and the archive is in place");
     put(Folder::backup, ".file-77.tmp", "");
     makeFileHandler();
     EXPECT_THAT(names(Folder::backup), IsEmpty());
     EXPECT_THAT(names(Folder::upload), ElementsAre("a.log"));
 }
 
-TEST_F(PackingTest, FilesReturnWhenTheArchiveCannotBePutInPlace) {
+TEST_F(PackingTest, FilesStayWhenTheArchiveCannotBePutInPlace) {
     class Stuck final : public RelayFileManager {
     public:
         using RelayFileManager::RelayFileManager;

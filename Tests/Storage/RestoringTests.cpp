@@ -253,6 +253,27 @@ TEST_F(RestoringTest, AFileClosedMeanwhileUnderAnEntrysNameIsNotOverwritten) {
     EXPECT_EQ(names(Folder::upload).size(), 2U);
 }
 
+TEST_F(RestoringTest, ARestoredFileNeverTakesTheNameOfTheOneBeingWritten) {
+    handler->write("writtenjsonsplit");
+    const auto name = *handler->currentLogFileName();
+    restore(putArchive("a.zip", {{name, "restoredjsonsplit"}}));
+    EXPECT_FALSE(fs::exists(path(Folder::upload, name)));
+    handler->close();
+    EXPECT_EQ(bytes(Folder::upload, name), "writtenjsonsplit");
+    EXPECT_EQ(names(Folder::upload).size(), 2U);
+}
+
+TEST_F(RestoringTest, TheFileToBeWrittenGetsAnotherNameWhenARestoredOneTookIt) {
+    handler->close();
+    const auto name = *handler->currentLogFileName(); // not made yet
+    restore(putArchive("a.zip", {{name, "restoredjsonsplit"}}));
+    handler->write("writtenjsonsplit");
+    EXPECT_NE(*handler->currentLogFileName(), name);
+    handler->close();
+    EXPECT_EQ(bytes(Folder::upload, name), "restoredjsonsplit");
+    EXPECT_EQ(names(Folder::upload).size(), 3U); // and the empty one
+}
+
 TEST_F(RestoringTest, RestoringDoesNotTrim) {
     putSparse(Folder::upload, "01-03-2024T10-00-00-000.log", 10485760);
     restore(putArchive("a.zip", {{"a.log", "1"}}));

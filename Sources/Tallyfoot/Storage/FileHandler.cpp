@@ -16,8 +16,7 @@ using Folder = AppFolder::Folder;
 FileHandler::FileHandler(Collaborators collaborators, std::shared_ptr<const UploadConfiguration> configuration,
                          std::shared_ptr<AppFolder> appFolder, bool isCurrentApplication,
                          const std::function<bool(std::string_view archiveName)>& isInFlight)
-    : collaborators_(std::move(collaborators)), configuration_(std::move(configuration)),
-      appFolder_(std::move(appFolder)),
+    : collaborators_(collaborators), configuration_(std::move(configuration)), appFolder_(std::move(appFolder)),
       recordFile_(collaborators_.fileManager), storageMonitor_{.thresholdFileSize =
                                                                    configuration_->fileSize().inBytes(),
                                                                .thresholdStorageSize =
