@@ -279,6 +279,51 @@ TEST_F(AppFolderTest, AnUnreadableSubpathIsLeftOutOfTheTotal) {
                 UnorderedElementsAre(path(Folder::upload, "a.log"), path(Folder::upload, "c.log")));
 }
 
+TEST_F(AppFolderTest, OnlyLogsAndArchivesWithSomethingInThemAreWorthKeepingTheFolder) {
+    EXPECT_FALSE(folder->mayHoldLogs()) << "no folder, no logs";
+    folder->createFolders();
+    put(Folder::events, "empty.log", "");
+    put(Folder::upload, "notes.txt", "1");
+    put(Folder::upload, ".hidden.log", "1");
+    put(Folder::upload, "archive.zip", "1");
+    put(Folder::backup, "closed.log", "1");
+    fs::create_directory(path(Folder::events, "folder.log"));
+    EXPECT_FALSE(folder->mayHoldLogs());
+    for (const auto& [at, name] :
+         {std::pair(Folder::events, "a.log"), std::pair(Folder::upload, "a.log"), std::pair(Folder::backup, "a.zip")}) {
+        put(at, name, "1");
+        EXPECT_TRUE(folder->mayHoldLogs()) << path(at, name);
+        fs::remove(path(at, name));
+    }
+    EXPECT_FALSE(folder->mayHoldLogs());
+}
+
+TEST_F(AppFolderTest, WhatCannotBeReadMayHoldLogs) {
+    class Blind final : public RelayFileManager {
+    public:
+        using RelayFileManager::RelayFileManager;
+        Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const override {
+            if (path == unreadable) return Error{"unreadable"};
+            return RelayFileManager::contentsOfDirectory(path);
+        }
+        Result<FileAttributes> attributesOfItem(const std::string& path) const override {
+            if (path == unreadable) return Error{"unreadable"};
+            return RelayFileManager::attributesOfItem(path);
+        }
+        std::string unreadable;
+    };
+    folder->createFolders();
+    put(Folder::events, "empty.log", "");
+    Blind disk(fileManager);
+    const AppFolder blind(disk, debugConsole(), folder->appInfo());
+    EXPECT_FALSE(blind.mayHoldLogs());
+    for (const auto& item : {folder->path(), path(Folder::events), path(Folder::upload), path(Folder::backup),
+                             path(Folder::events, "empty.log")}) {
+        disk.unreadable = item;
+        EXPECT_TRUE(blind.mayHoldLogs()) << item;
+    }
+}
+
 using AppFolderDeathTest = AppFolderTest;
 
 TEST_F(AppFolderDeathTest, AnOperationWithoutAnApplicationIsFatal) {

@@ -192,10 +192,9 @@ void EventRecorder::forgetIfOld(FileHandler& fileHandler) {
     auto& folder = fileHandler.appFolder();
     const auto& appName = folder.appName();
     if (appName == appInfo()->appName()) return;
-    // Logs that could not be packed, or that were closed since: the next upload of the folder has them.
-    if (!folder.nonEmptyLogPaths(AppFolder::Folder::upload).empty()
-        || !folder.nonEmptyLogPaths(AppFolder::Folder::events).empty())
-        return;
+    // Logs that could not be packed, that were closed since, or that cannot be seen at the moment: the
+    // next upload of the folder has them.
+    if (folder.mayHoldLogs()) return;
     console_.print({"Empty folder app name ", appName});
     knownApplications_.remove(appName);
     folder.removeAll();

@@ -4,6 +4,7 @@
 #include "Tallyfoot/Storage/PathNames.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace tallyfoot {
@@ -112,6 +113,26 @@ std::vector<std::string> AppFolder::nonEmptyLogPaths(Folder folder) const {
 bool AppFolder::isNonEmptyLog(const Item& item) noexcept {
     return item.name.ends_with(".log") && item.attributes && !item.attributes->isDirectory
            && item.attributes->size >= 1;
+}
+
+bool AppFolder::mayHoldLogs() const {
+    const auto folders = fileManager_.contentsOfDirectory(path());
+    if (!folders) return fileManager_.fileExists(path());
+    return std::ranges::any_of(std::array{Folder::events, Folder::upload, Folder::backup}, [&](Folder folder) {
+        return std::ranges::count(folders.value(), tallyfoot::name(folder)) != 0 && mayHoldLogs(folder);
+    });
+}
+
+bool AppFolder::mayHoldLogs(Folder folder) const {
+    const auto names = fileManager_.contentsOfDirectory(path(folder));
+    if (!names) return true;
+    return std::ranges::any_of(names.value(), [&](const std::string& name) {
+        if (name.starts_with('.')) return false;
+        if (folder == Folder::backup) return name.ends_with(".zip");
+        if (!name.ends_with(".log")) return false;
+        const auto attributes = fileManager_.attributesOfItem(path(folder, name));
+        return !attributes || isNonEmptyLog({name, attributes.value()});
+    });
 }
 
 bool AppFolder::move(const std::string& name, Folder from, Folder to) {

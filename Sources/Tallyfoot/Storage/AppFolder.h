@@ -52,6 +52,10 @@ public:
     std::vector<std::string> nonEmptyLogPaths(Folder folder) const; // ".log" of at least a byte
     static bool isNonEmptyLog(const Item& item) noexcept;
 
+    // False only when there is certainly no archive and no log file with anything in it: what cannot be
+    // read may hold some. Asked before the folder is given up.
+    bool mayHoldLogs() const;
+
     bool move(const std::string& name, Folder from, Folder to); // replaces; says why it failed
     bool remove(const std::string& path);                       // says why it failed
     void removeAll();                                           // the application's folder, silently
@@ -61,6 +65,7 @@ public:
 
 private:
     const std::string& root() const;
+    bool mayHoldLogs(Folder folder) const;
 
     FileManager& fileManager_;
     DebugConsole console_;
