@@ -162,13 +162,13 @@ void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
         isEmpty = archives.empty();
         if (isEmpty) forgetIfOld(*fileHandler);
         std::erase_if(archives, [this](const std::string& archive) { return !claim(archive); });
+        // Kept for the whole folder: credentials refreshed meanwhile may be another user's.
+        sender_ = authenticationInfo();
     });
     if (isEmpty) return;
 
     const auto& appInfo = *fileHandler->appFolder().appInfo();
     console_.print({"Uploading logs for applicaton ", appInfo.appName()});
-    // Kept for the whole folder: credentials refreshed meanwhile may be another user's.
-    sender_ = authenticationInfo();
     const auto parameters = bodyParameters(appInfo, *sender_);
     printSummary(parameters);
     for (const auto& archive : archives)
@@ -260,8 +260,11 @@ void EventRecorder::refreshAuthentication(FileHandler& fileHandler) {
     } catch (...) { // the host's own failure: the former credentials stay, the next rejection asks again
         return;
     }
-    authenticationInfo_.exchange(refreshed);
-    inTurn([&] { checkUser(*refreshed, fileHandler); });
+    // In one turn: no upload takes the new credentials while the former user's logs are still there.
+    inTurn([&] {
+        authenticationInfo_.exchange(refreshed);
+        checkUser(*refreshed, fileHandler);
+    });
 }
 
 void EventRecorder::checkUser(const Authentication& refreshed, FileHandler& fileHandler) {
