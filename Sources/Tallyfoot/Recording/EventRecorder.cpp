@@ -141,8 +141,8 @@ void EventRecorder::triggerUpload() {
         services_.userDefaults->setReal(storekeys::eventLastUpload, timeIntervalSince1970(services_.clock->now()));
         services_.userDefaults->synchronize();
         fileHandler = fileHandler_;
+        isUploading_ = false; // within the turn, so that whatever is recorded next may trigger again
     });
-    isUploading_ = false;
     submitUpload(std::move(fileHandler));
 }
 
