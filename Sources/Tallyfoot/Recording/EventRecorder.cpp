@@ -36,7 +36,7 @@ std::string describe(const UploadManager::Parameters& parameters) {
 
 } // namespace
 
-std::shared_ptr<EventRecorder> EventRecorder::make(PlatformServices services, const Settings& settings,
+std::shared_ptr<EventRecorder> EventRecorder::make(PlatformServices services, Settings& settings,
                                                    std::shared_ptr<UploadConfiguration> configuration,
                                                    std::shared_ptr<ApplicationInfo> appInfo,
                                                    AuthenticationHandler authenticationHandler) {
@@ -49,12 +49,13 @@ std::shared_ptr<EventRecorder> EventRecorder::make(PlatformServices services, co
         recorder->services_.userDefaults->setObject(storekeys::user, {recorder->authenticationInfo()->userId()});
         recorder->services_.userDefaults->synchronize();
         recorder->knownApplications_.setCurrent(*current);
+        recorder->uploadManager_ = recorder->makeUploadManager();
         recorder->setUp(current);
     });
     return recorder;
 }
 
-EventRecorder::EventRecorder(PlatformServices services, const Settings& settings,
+EventRecorder::EventRecorder(PlatformServices services, Settings& settings,
                              std::shared_ptr<UploadConfiguration> configuration,
                              std::shared_ptr<ApplicationInfo> appInfo, AuthenticationHandler authenticationHandler)
     : services_(std::move(services)), settings_(settings), console_(*services_.console, settings.showOutput),
@@ -62,16 +63,7 @@ EventRecorder::EventRecorder(PlatformServices services, const Settings& settings
       queue_(services_.dispatch->makeQueue("EventRecorder")),
       uploadQueue_(services_.dispatch->makeQueue("EventRecorder.uploads")), appInfo_(std::move(appInfo)),
       knownApplications_(*services_.userDefaults, *services_.keyedArchiver), eventCountMonitor_{
-                                                                                 configuration_->eventsCount(), {}} {
-    const auto path = configuration_->uploadPath();
-    const UploadManager::Collaborators collaborators{*services_.fileManager, *services_.random, console_,
-                                                     services_.makeURLSession(), [this] {
-                                                         if (!sender_) fatalError("an upload needs an authentication");
-                                                         return sender_->authenticationToken();
-                                                     }};
-    uploadManager_ = std::make_shared<UploadManager>(
-        collaborators, path ? path : std::optional(processSettings().environment()->uploadPath()));
-}
+                                                                                 configuration_->eventsCount(), {}} {}
 
 EventRecorder::~EventRecorder() {
     if (frequencyMonitor_) frequencyMonitor_->stop();
@@ -88,6 +80,17 @@ std::shared_ptr<Authentication> EventRecorder::askForAuthentication() const {
     return authentication;
 }
 
+std::shared_ptr<UploadManager> EventRecorder::makeUploadManager() {
+    const auto path = configuration_->uploadPath();
+    const UploadManager::Collaborators collaborators{*services_.fileManager, *services_.random, console_,
+                                                     services_.makeURLSession(), [this] {
+                                                         if (!sender_) fatalError("an upload needs an authentication");
+                                                         return sender_->authenticationToken();
+                                                     }};
+    return std::make_shared<UploadManager>(collaborators,
+                                           path ? path : std::optional(settings_.environment()->uploadPath()));
+}
+
 void EventRecorder::setUp(const std::shared_ptr<ApplicationInfo>& appInfo) {
     fileHandler_ = makeFileHandler(appInfo, true);
 
@@ -99,9 +102,9 @@ void EventRecorder::setUp(const std::shared_ptr<ApplicationInfo>& appInfo) {
     const auto trigger = [weakSelf = weak_from_this()] {
         if (const auto self = weakSelf.lock()) self->triggerUpload();
     };
-    eventCountMonitor_ = {configuration_->eventsCount(), trigger};
+    frequencyMonitor_->setTriggerUpload(trigger); // a period that is over already triggers at once
     fileHandler_->setTriggerUpload(trigger);
-    frequencyMonitor_->setTriggerUpload(trigger); // last: a period that is over already triggers at once
+    eventCountMonitor_ = {configuration_->eventsCount(), trigger};
 }
 
 std::shared_ptr<FileHandler> EventRecorder::makeFileHandler(std::shared_ptr<const ApplicationInfo> appInfo,

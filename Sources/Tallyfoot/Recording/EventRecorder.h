@@ -41,7 +41,7 @@ public:
 
     // Asks the handler for the user's credentials, notes user and application in the store, and
     // restores what an earlier run left. Fatal without a handler or a result.
-    static std::shared_ptr<EventRecorder> make(PlatformServices services, const Settings& settings,
+    static std::shared_ptr<EventRecorder> make(PlatformServices services, Settings& settings,
                                                std::shared_ptr<UploadConfiguration> configuration,
                                                std::shared_ptr<ApplicationInfo> appInfo,
                                                AuthenticationHandler authenticationHandler);
@@ -61,11 +61,11 @@ public:
     std::shared_ptr<ApplicationInfo> appInfo() const;
 
 private:
-    EventRecorder(PlatformServices services, const Settings& settings,
-                  std::shared_ptr<UploadConfiguration> configuration, std::shared_ptr<ApplicationInfo> appInfo,
-                  AuthenticationHandler authenticationHandler);
+    EventRecorder(PlatformServices services, Settings& settings, std::shared_ptr<UploadConfiguration> configuration,
+                  std::shared_ptr<ApplicationInfo> appInfo, AuthenticationHandler authenticationHandler);
 
     // With the turn held.
+    std::shared_ptr<UploadManager> makeUploadManager();
     void setUp(const std::shared_ptr<ApplicationInfo>& appInfo);
     void uploadOldApplications();
     void forgetIfOld(FileHandler& fileHandler);
@@ -89,7 +89,7 @@ private:
     void inTurn(FunctionRef<void()> block) { queue_->sync(block); }
 
     const PlatformServices services_;
-    const Settings& settings_;
+    Settings& settings_;
     const DebugConsole console_;
     const std::shared_ptr<UploadConfiguration> configuration_;
     const AuthenticationHandler authenticationHandler_;
