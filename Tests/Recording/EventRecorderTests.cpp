@@ -1,12 +1,17 @@
 #include "Recording/RecorderHost.h"
+#include "Storage/RelayFileManager.h"
 
+#include "Tallyfoot/Platform/KeyedArchiver.h"
 #include "Tallyfoot/Platform/UserDefaults.h"
 #include "Tallyfoot/Recording/StoreKeys.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <functional>
+#include <utility>
 
 namespace tallyfoot::testing {
 namespace {
@@ -15,6 +20,91 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ::testing::UnorderedElementsAre;
+
+// A disk that fails for as long as the test says so.
+class ShakyDisk final : public RelayFileManager {
+public:
+    ShakyDisk() : RelayFileManager(*defaultPlatformServices().fileManager) {}
+
+    Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const override {
+        if (cannotList) return Error{"Too many open files"};
+        return RelayFileManager::contentsOfDirectory(path);
+    }
+    Result<void> moveItem(const std::string& source, const std::string& destination) override {
+        if (cannotChange) return Error{"Read-only file system"};
+        return RelayFileManager::moveItem(source, destination);
+    }
+    Result<void> removeItem(const std::string& path) override {
+        if (cannotChange) return Error{"Read-only file system"};
+        return RelayFileManager::removeItem(path);
+    }
+
+    bool cannotList = false;
+    bool cannotChange = false;
+};
+
+// Tells the test whenever it is asked.
+class AskedClock final : public Clock {
+public:
+    explicit AskedClock(std::shared_ptr<Clock> next) : next_(std::move(next)) {}
+    Date now() const noexcept override {
+        if (whenAsked) whenAsked();
+        return next_->now();
+    }
+    std::function<void()> whenAsked;
+
+private:
+    std::shared_ptr<Clock> next_;
+};
+
+// Lets the test step in where another thread might: right before the recorder takes its turn, and
+// right after it has given it back.
+class SteppedDispatch final : public Dispatch {
+public:
+    explicit SteppedDispatch(std::shared_ptr<Dispatch> next) : next_(std::move(next)) {}
+
+    std::shared_ptr<DispatchQueue> makeQueue(std::string label) override {
+        auto queue = next_->makeQueue(label);
+        if (label != "EventRecorder") return queue;
+        return std::make_shared<Queue>(*this, std::move(queue));
+    }
+    std::unique_ptr<DispatchSourceTimer> makeTimerSource(std::shared_ptr<DispatchQueue> queue) override {
+        return next_->makeTimerSource(std::move(queue));
+    }
+
+    std::function<void()> beforeTurn;
+    std::function<void()> afterTurn;
+
+private:
+    class Queue final : public DispatchQueue {
+    public:
+        Queue(SteppedDispatch& dispatch, std::shared_ptr<DispatchQueue> next)
+            : dispatch_(dispatch), next_(std::move(next)) {}
+        void sync(FunctionRef<void()> block) override {
+            if (isCurrent()) return next_->sync(block);
+            dispatch_.step(dispatch_.beforeTurn);
+            next_->sync(block);
+            dispatch_.step(dispatch_.afterTurn);
+        }
+        void async(std::function<void()> block) override { next_->async(std::move(block)); }
+        bool isCurrent() const noexcept override { return next_->isCurrent(); }
+        const std::string& label() const noexcept override { return next_->label(); }
+
+    private:
+        SteppedDispatch& dispatch_;
+        std::shared_ptr<DispatchQueue> next_;
+    };
+
+    void step(const std::function<void()>& into) { // not into itself
+        if (!into || std::exchange(isInside_, true)) return;
+        into();
+        isInside_ = false;
+    }
+
+    std::shared_ptr<Dispatch> next_;
+    bool isInside_ = false;
+};
 
 TEST(EventRecorder, ARecordIsOnDiskAndCountedWhenTheCallReturns) {
     RecorderHost host;
@@ -117,6 +207,50 @@ TEST(EventRecorder, UnderAStartedPeriodARestartWaitsForTheRestOnly) {
     EXPECT_EQ(host.server->requests().size(), 2U);
 }
 
+TEST(EventRecorder, AFullFileTriggersBeforeItsLastEventIsCounted) {
+    RecorderHost host;
+    host.settings.ignoreFileSizeThreshold = true; // every event fills the file
+    host.start();
+    host.log();
+    EXPECT_THAT(host.files("Events"), IsEmpty());
+    EXPECT_EQ(host.eventCount(), 1);
+    host.settle();
+    EXPECT_THAT(sentEvents(host.server->requests().at(0)), ElementsAre("1"));
+}
+
+TEST(EventRecorder, ATriggerInTheMiddleOfAnotherIsIgnoredAndALaterOneUploadsAgain) {
+    RecorderHost host;
+    const auto clock = std::make_shared<AskedClock>(host.clock);
+    host.services.clock = clock;
+    host.start();
+    host.log();
+    int asked = 0;
+    clock->whenAsked = [&] {
+        ++asked;
+        host.recorder->triggerUpload();
+    };
+    host.recorder->triggerUpload();
+    clock->whenAsked = nullptr;
+    EXPECT_GT(asked, 0);
+    EXPECT_EQ(host.dispatch->waitingBlocks(), 1U);
+    host.recorder->triggerUpload();
+    EXPECT_EQ(host.dispatch->waitingBlocks(), 2U);
+}
+
+TEST(EventRecorder, AnEventRightAfterATriggerMayTriggerAgain) {
+    RecorderHost host;
+    const auto dispatch = std::make_shared<SteppedDispatch>(host.dispatch);
+    host.services.dispatch = dispatch;
+    host.settings.ignoreFileSizeThreshold = true;
+    host.start();
+    dispatch->afterTurn = [&] { host.log(); };
+    host.recorder->triggerUpload();
+    dispatch->afterTurn = nullptr;
+    EXPECT_THAT(host.files("Events"), IsEmpty()) << "the event waits for a trigger that it asked for itself";
+    host.settle();
+    EXPECT_THAT(sentEvents(host.server->requests().at(0)), ElementsAre("1"));
+}
+
 TEST(EventRecorder, AnUploadWithNothingToSendIsSilent) {
     RecorderHost host({.showOutput = true});
     host.start();
@@ -146,6 +280,30 @@ TEST(EventRecorder, TheRequestCarriesTheApplicationTheUserAndTheSeparator) {
     EXPECT_NE(field(request, "userAgent").find("/iOS/"), std::string::npos);
     EXPECT_THAT(request.headers, ::testing::Contains(std::pair<std::string, std::string>("cookie", "token-1")));
     EXPECT_THAT(sentEvents(request), ElementsAre("1"));
+}
+
+TEST(EventRecorder, TheConfigurationNamesTheServerAndWithoutOneTheEnvironmentDoes) {
+    RecorderHost host;
+    host.settings.environment()->setUploadPath("http://127.0.0.1:1/environment");
+    for (const auto& path : {std::optional<std::string>("http://127.0.0.1:1/upload"), std::optional<std::string>()}) {
+        host.configuration->setUploadPath(path);
+        host.start();
+        host.log();
+        host.trigger();
+        EXPECT_EQ(host.server->requests().back().url, path.value_or("http://127.0.0.1:1/environment"));
+        host.stop();
+    }
+}
+
+TEST(EventRecorder, TheClosureIsAskedBeforeTheServerIsChosen) {
+    RecorderHost host;
+    host.start([&] {
+        host.configuration->setUploadPath("http://127.0.0.1:1/of-this-user");
+        return std::make_shared<Authentication>("user-1", "token-1");
+    });
+    host.log();
+    host.trigger();
+    EXPECT_EQ(host.server->requests().at(0).url, "http://127.0.0.1:1/of-this-user");
 }
 
 TEST(EventRecorder, FullSuccessDeletesTheArchive) {
@@ -199,6 +357,62 @@ TEST(EventRecorder, AFailureWithoutASuccessListRestoresEverything) {
     EXPECT_THAT(host.files("Upload"), SizeIs(1));
 }
 
+TEST(EventRecorder, WhatTheAnswerLeavesOutOfItsSuccessesIsSentAgain) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    host.trigger();
+    host.server->answerWith("200", {}, {"another.log"}); // which does not say that the file arrived
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1"));
+}
+
+TEST(EventRecorder, AnAnswerThatConfirmsNothingHasTheArchiveSentAgain) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    for (const std::string body : {"", "thanks", R"({"data":{}})", R"({"data":{"response":{"statusCode":[]}}})"}) {
+        host.trigger();
+        EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1")) << body;
+        host.server->answer(body);
+        EXPECT_THAT(host.files("Backup"), IsEmpty());
+        EXPECT_THAT(host.files("Upload"), SizeIs(1));
+    }
+}
+
+TEST(EventRecorder, AConfirmedArchiveThatCannotBeDeletedIsSentAgain) {
+    RecorderHost host;
+    const auto disk = std::make_shared<ShakyDisk>();
+    host.services.fileManager = disk;
+    host.start();
+    host.log();
+    host.trigger();
+    disk->cannotChange = true;
+    host.server->answerWith("200");
+    disk->cannotChange = false;
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1"));
+    host.server->answerWith("200");
+    EXPECT_THAT(host.files("Backup"), IsEmpty());
+}
+
+TEST(EventRecorder, AnArchiveThatCannotBeRestoredIsSentAgainAsAWhole) {
+    RecorderHost host;
+    const auto disk = std::make_shared<ShakyDisk>();
+    host.services.fileManager = disk;
+    host.start();
+    host.log();
+    host.recorder->triggerUpload();
+    const auto delivered = host.files("Upload");
+    host.log();
+    host.trigger();
+    disk->cannotChange = true;
+    host.server->answerWith("200", delivered, {"the other one"});
+    disk->cannotChange = false;
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1", "2"));
+}
+
 class AuthenticationRejection : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(AuthenticationRejection, RestoresEverythingAndAsksForFreshCredentials) {
@@ -234,6 +448,77 @@ TEST(EventRecorder, AChangedUserLosesAllLocalLogsOfTheFolder) {
     host.trigger();
     EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("3"));
     EXPECT_EQ(field(host.server->requests().back(), "userId"), "user-2");
+}
+
+TEST(EventRecorder, AChangedUserLeavesTheLogsOfOtherApplications) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    host.trigger();
+    host.switchTo("Bank");
+    host.settle();
+    host.log();
+    host.userId = "user-2";
+    host.server->answerWith("10000003"); // to Shop's archive
+    EXPECT_THAT(host.files("Shop", "Upload"), IsEmpty());
+    ASSERT_THAT(host.files("Bank", "Events"), SizeIs(1));
+    EXPECT_THAT(events(readFile(host.folder("Bank", "Events") / host.files("Bank", "Events")[0])), ElementsAre("2"));
+}
+
+TEST(EventRecorder, NoUploadTakesANewUsersTokenWhileTheFormerUsersLogsAreThere) {
+    RecorderHost host;
+    const auto dispatch = std::make_shared<SteppedDispatch>(host.dispatch);
+    host.services.dispatch = dispatch;
+    host.start();
+    host.log();
+    host.trigger();
+    host.recorder->triggerUpload(); // its upload runs after the closure, before the logs are deleted
+    dispatch->beforeTurn = [&] {
+        if (host.authenticationsAsked == 2) host.settle();
+    };
+    host.userId = "user-2";
+    host.token = "token-2";
+    host.server->answerWith("10000003");
+    dispatch->beforeTurn = nullptr;
+    ASSERT_THAT(host.server->requests(), SizeIs(2));
+    EXPECT_EQ(field(host.server->requests().back(), "userId"), "user-1");
+    EXPECT_EQ(field(host.server->requests().back(), "authtoken"), "token-1");
+}
+
+TEST(EventRecorder, AUserWhoChangedBetweenTwoRunsIsNotNoticed) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    host.stop();
+    host.userId = "user-2";
+    host.start();
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().at(0)), ElementsAre("1"));
+    EXPECT_EQ(field(host.server->requests().at(0), "userId"), "user-2");
+}
+
+TEST(EventRecorder, TheClosureMayLogAndSwitchTheApplicationWhileARejectionIsDealtWith) {
+    RecorderHost host;
+    host.start([&] {
+        if (host.recorder) { // asked again
+            host.log();
+            host.switchTo("Bank");
+            host.log();
+            host.recorder->triggerUpload();
+            host.log();
+        }
+        return std::make_shared<Authentication>(host.userId, host.token);
+    });
+    host.log();
+    host.trigger();
+    host.userId = "user-2";
+    host.server->answerWith("10000003");
+    EXPECT_THAT(host.files("Shop", "Events"), IsEmpty());
+    EXPECT_THAT(host.files("Shop", "Upload"), IsEmpty());
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("3", "4"));
+    EXPECT_EQ(field(host.server->requests().back(), "appName"), "Bank");
+    EXPECT_THAT(host.knownApplications(), ElementsAre("Bank"));
 }
 
 TEST(EventRecorder, AnArchiveOnItsWayIsNotSentTwice) {
@@ -279,6 +564,64 @@ TEST(EventRecorder, AnOldApplicationWithNothingToSendLeavesTheListAndTheDisk) {
     EXPECT_TRUE(host.console->contains("\"calling upload for old app Shop\""));
 }
 
+TEST(EventRecorder, AnOldApplicationWhoseArchiveIsOnItsWayStaysInTheList) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    host.trigger();
+    host.switchTo("Bank");
+    host.settle();
+    EXPECT_EQ(host.server->requests().size(), 1U);
+    EXPECT_THAT(host.knownApplications(), ElementsAre("Shop", "Bank"));
+    host.server->answer(Error{"connection reset"});
+    host.switchTo("Cafe");
+    host.settle();
+    EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1"));
+    EXPECT_EQ(field(host.server->requests().back(), "appName"), "Shop");
+}
+
+TEST(EventRecorder, AnOldApplicationWhoseFoldersCannotBeReadIsNotTakenForEmpty) {
+    RecorderHost host;
+    const auto disk = std::make_shared<ShakyDisk>();
+    host.services.fileManager = disk;
+    host.start();
+    host.log();
+    host.switchTo("Bank");
+    disk->cannotList = true;
+    host.settle();
+    disk->cannotList = false;
+    EXPECT_THAT(host.knownApplications(), ElementsAre("Shop", "Bank"));
+    host.switchTo("Cafe");
+    host.settle();
+    ASSERT_THAT(host.server->requests(), SizeIs(1));
+    EXPECT_THAT(sentEvents(host.server->requests()[0]), ElementsAre("1"));
+}
+
+TEST(EventRecorder, AKnownApplicationKeepsItsPlaceAndTakesItsNewFields) {
+    RecorderHost host;
+    host.start();
+    host.switchTo("Bank");
+    host.stop();
+    host.start(std::make_shared<ApplicationInfo>("Shop", "new-id", "Wholesale", "W-1"));
+    EXPECT_THAT(host.knownApplications(), ElementsAre("Shop", "Bank"));
+    const KnownApplications known(*host.services.userDefaults, *host.services.keyedArchiver);
+    EXPECT_EQ(known.list()[0]->appId(), "new-id");
+    EXPECT_EQ(known.list()[0]->bizArea(), "Wholesale");
+}
+
+TEST(EventRecorder, TheCurrentApplicationIsStoredAtTheStartAndAtASwitch) {
+    RecorderHost host;
+    const auto current = [&] {
+        const auto stored = host.services.userDefaults->object(storekeys::currentApplication);
+        const auto coder = host.services.keyedArchiver->unarchivedObject(stored->as<PropertyList::Data>()->bytes);
+        return ApplicationInfo(*coder).appName();
+    };
+    host.start();
+    EXPECT_EQ(current(), "Shop");
+    host.switchTo("Bank");
+    EXPECT_EQ(current(), "Bank");
+}
+
 TEST(EventRecorder, ASwitchPrintsEveryKnownNamePlainly) {
     RecorderHost host({.showOutput = true});
     host.start();
@@ -316,22 +659,47 @@ TEST(EventRecorder, WhatWasOnItsWayAtAKillIsSentAgainAfterTheNextStart) {
     EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1"));
 }
 
+TEST(EventRecorder, ARecorderThatFollowsAnotherSendsWhatThatOneHadUnderWay) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    host.recorder->triggerUpload(); // the upload that waits keeps the recorder until it has run
+    host.stop();
+    host.start();
+    host.log();
+    host.settle();
+    host.server->answerWith("200"); // to the former recorder, which is gone
+    EXPECT_THAT(host.files("Backup"), SizeIs(1));
+    host.trigger();
+    ASSERT_EQ(host.server->waiting(), 2U);
+    const auto requests = host.server->requests();
+    EXPECT_THAT((std::vector{sentEvents(requests[requests.size() - 2]), sentEvents(requests[requests.size() - 1])}),
+                UnorderedElementsAre(ElementsAre("1"), ElementsAre("2")));
+    host.server->answerWith("200");
+    host.server->answerWith("200");
+    EXPECT_THAT(host.files("Backup"), IsEmpty());
+}
+
 TEST(EventRecorder, TheUploadSummaryIsPrintedWordForWord) {
     RecorderHost host({.showOutput = true});
     host.start();
-    host.log();
-    host.console->clear();
-    host.settings.uploadConfiguration.exchange(nullptr);
-    host.trigger();
-    EXPECT_TRUE(host.console->contains("\"Uploading logs for applicaton Shop\""));
-    EXPECT_TRUE(host.console->contains(
-        "\"************************************Request Info Begin************************************\""));
-    EXPECT_TRUE(host.console->contains("\"url is: NA\""));
-    EXPECT_TRUE(host.console->contains(
-        "\"************************************Request Info End *************************************\""));
-    EXPECT_NE(host.console->text().find("\"Body parameters: [\\\"appName\\\": \\\"Shop\\\""), std::string::npos);
-    host.server->answerWith("200");
-    EXPECT_TRUE(host.console->contains("\"Reponse Code is: 200\""));
+    for (const bool isConfigured : {false, true}) {
+        host.settings.uploadConfiguration.exchange(isConfigured ? host.configuration : nullptr);
+        host.log();
+        host.console->clear();
+        host.trigger();
+        const auto lines = host.console->lines();
+        const auto first = std::find(lines.begin(), lines.end(), "\"Uploading logs for applicaton Shop\"");
+        ASSERT_GE(lines.end() - first, 5);
+        EXPECT_EQ(first[1],
+                  "\"************************************Request Info Begin************************************\"");
+        EXPECT_EQ(first[2], isConfigured ? "\"url is: http://127.0.0.1:1/upload\"" : "\"url is: NA\"");
+        EXPECT_THAT(first[3], ::testing::StartsWith(R"("Body parameters: [\"appName\": \"Shop\", \")"));
+        EXPECT_EQ(first[4],
+                  "\"************************************Request Info End *************************************\"");
+        host.server->answerWith("200");
+        EXPECT_TRUE(host.console->contains("\"Reponse Code is: 200\""));
+    }
 }
 
 TEST(EventRecorder, AReleasedRecorderIgnoresAnswersAndTimers) {

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace tallyfoot::testing {
 
@@ -32,11 +33,21 @@ RecorderHost::RecorderHost(Options options)
     configuration->setUploadPath("http://127.0.0.1:1/upload");
 }
 
-void RecorderHost::start() {
-    recorder = EventRecorder::make(services, settings, configuration, application(appName), [this] {
+void RecorderHost::start() { start(application(appName)); }
+
+void RecorderHost::start(std::shared_ptr<ApplicationInfo> appInfo) {
+    recorder = EventRecorder::make(services, settings, configuration, std::move(appInfo), closure());
+}
+
+void RecorderHost::start(const EventRecorder::AuthenticationHandler& closure) {
+    recorder = EventRecorder::make(services, settings, configuration, application(appName), closure);
+}
+
+EventRecorder::AuthenticationHandler RecorderHost::closure() {
+    return [this] {
         ++authenticationsAsked;
         return std::make_shared<Authentication>(userId, token);
-    });
+    };
 }
 
 void RecorderHost::log(int count) {

@@ -34,6 +34,8 @@ public:
     explicit RecorderHost(Options options);
 
     void start(); // makes the recorder, as a first start or the next
+    void start(std::shared_ptr<ApplicationInfo> appInfo);
+    void start(const EventRecorder::AuthenticationHandler& closure);
 
     void stop() { recorder.reset(); } // as if the process had ended
 
@@ -65,6 +67,8 @@ public:
     std::shared_ptr<EventRecorder> recorder;
 
 private:
+    EventRecorder::AuthenticationHandler closure();
+
     int logged_ = 0;
 };
 
