@@ -42,7 +42,7 @@ TEST_P(Kill, AtRandomMomentsLosesNoAcknowledgedEvent) {
     for (unsigned round = 0; round < rounds; ++round) {
         HostProcess host(device, collector.url(), round % 4 == 3 ? "Bank" : "Shop", "run" + std::to_string(round));
         const auto events = std::uniform_int_distribution<std::size_t>(20, 250)(random); // of each thread
-        host.tell("burst 4 " + std::to_string(events));
+        host.tell((round % 2 == 0 ? "burst 4 " : "roam 4 ") + std::to_string(events));
         host.awaitAcknowledgements(std::uniform_int_distribution<std::size_t>(0, 4 * events)(random));
         host.kill();
         acknowledged.insert(host.acknowledged().begin(), host.acknowledged().end());

@@ -4,6 +4,7 @@
 //
 //     log COUNT              one thread
 //     burst THREADS COUNT    that many threads, COUNT events each
+//     roam THREADS COUNT     the same, while another thread goes from application to application
 //     switch APPLICATION     another application
 //     quit
 #include <Tallyfoot/Tallyfoot.h>
@@ -55,6 +56,17 @@ public:
         for (auto& logger : loggers) logger.join();
     }
 
+    void roam(int threads, int count) {
+        std::atomic<bool> isOver = false;
+        std::thread traveller([&] {
+            while (!isOver)
+                for (const auto* application : {"Bank", "Cafe", "Shop"}) switchTo(application);
+        });
+        burst(threads, count);
+        isOver = true;
+        traveller.join();
+    }
+
 private:
     // One write, so that lines of several threads never mix and nothing waits in a buffer.
     static void acknowledge(const std::string& text) {
@@ -80,11 +92,11 @@ int main(int count, char** arguments) {
             std::string application;
             words >> application;
             host.switchTo(application);
-        } else if (command == "burst") {
+        } else if (command == "burst" || command == "roam") {
             int threads = 0;
             int events = 0;
             words >> threads >> events;
-            host.burst(threads, events);
+            command == "roam" ? host.roam(threads, events) : host.burst(threads, events);
         } else {
             int events = 0;
             words >> events;
