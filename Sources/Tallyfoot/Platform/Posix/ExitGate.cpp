@@ -13,6 +13,7 @@ namespace {
 
 // Never released: the gate outlives everything that the process's end destroys.
 struct Gate {
+    const pid_t process = ::getpid();
     Mutex mutex;
     Condition left;
     int inside TALLYFOOT_GUARDED_BY(mutex) = 0;
@@ -29,6 +30,8 @@ thread_local bool isInside = false;
 // A call under way is short. One that is not, or that crashed, does not keep the process alive.
 void close() {
     auto& gate = tallyfoot::gate();
+    // A forked child has none of the threads, but may have the mutex as one of them held it.
+    if (::getpid() != gate.process) return;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(250);
     MutexLock lock(gate.mutex);
     gate.isClosed = true;
