@@ -62,13 +62,12 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-    using Multi = std::shared_ptr<CURLM>;
 
     struct Shared {
         std::deque<Task> waiting;
         bool isStopped = false;
         bool isStarted = false;
-        Multi multi;
+        CURLM* multi = nullptr; // while the thread has one
     };
 
     bool enqueue(Task task) {
@@ -78,9 +77,12 @@ private:
         });
     }
 
+    // With the lock held, so that nobody but the thread ever closes connections: it alone is deaf to
+    // the signal that a broken one raises.
     void wake() {
-        const auto multi = shared_.read([](const Shared& shared) { return shared.multi; });
-        if (multi) curl_multi_wakeup(multi.get());
+        shared_.read([](const Shared& shared) {
+            if (shared.multi != nullptr) curl_multi_wakeup(shared.multi);
+        });
     }
 
     bool isStopped() const {
@@ -110,8 +112,8 @@ private:
     bool setUp() {
         const ExitGate::Pass pass;
         if (!setUpCurl()) return false;
-        multi_ = Multi(curl_multi_init(), CurlMultiDeleter());
-        shared_.modify([this](Shared& shared) { shared.multi = multi_; });
+        multi_.reset(curl_multi_init());
+        shared_.modify([this](Shared& shared) { shared.multi = multi_.get(); });
         return multi_ != nullptr;
     }
 
@@ -125,7 +127,7 @@ private:
         }
         active_.clear();
         idle_.clear();
-        shared_.modify([](Shared& shared) { shared.multi.reset(); });
+        shared_.modify([](Shared& shared) { shared.multi = nullptr; });
         multi_.reset();
     }
 
@@ -226,7 +228,7 @@ private:
     Exclusive<Shared> shared_;
 
     // The thread's own.
-    Multi multi_;
+    CurlMulti multi_;
     std::vector<std::unique_ptr<CurlTransfer>> active_;
     std::vector<CurlHandle> idle_;
 };
