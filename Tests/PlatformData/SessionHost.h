@@ -48,7 +48,7 @@ inline URLRequest post(std::string url, std::string body = "hello") {
     request.url = std::move(url);
     request.method = "POST";
     request.headers = {{"Content-Type", "text/plain"}};
-    request.body = std::move(body);
+    request.body = {std::move(body)};
     return request;
 }
 

@@ -1,5 +1,6 @@
 #include "Recording/RecorderHost.h"
 #include "Storage/RelayFileManager.h"
+#include "Support/RequestBody.h"
 
 #include "Tallyfoot/Platform/KeyedArchiver.h"
 #include "Tallyfoot/Platform/UserDefaults.h"
@@ -276,7 +277,7 @@ TEST(EventRecorder, TheRequestCarriesTheApplicationTheUserAndTheSeparator) {
     EXPECT_EQ(field(request, "authtoken"), "token-1");
     EXPECT_EQ(field(request, "delimeter"), "jsonsplit");
     EXPECT_EQ(field(request, "deviceScrnDim"), "0-0");
-    EXPECT_NE(request.body.find("name=\"userIpAddress\""), std::string::npos);
+    EXPECT_NE(bodyOf(request).find("name=\"userIpAddress\""), std::string::npos);
     EXPECT_NE(field(request, "userAgent").find("/iOS/"), std::string::npos);
     EXPECT_THAT(request.headers, ::testing::Contains(std::pair<std::string, std::string>("cookie", "token-1")));
     EXPECT_THAT(sentEvents(request), ElementsAre("1"));
@@ -651,7 +652,7 @@ TEST(EventRecorder, WhatWasOnItsWayAtAKillIsSentAgainAfterTheNextStart) {
     host.log();
     host.trigger();
     host.stop();
-    host.server = std::make_shared<FakeURLSession>();
+    host.server = std::make_shared<ManualURLSession>();
     host.start();
     EXPECT_THAT(host.files("Backup"), IsEmpty());
     host.trigger();

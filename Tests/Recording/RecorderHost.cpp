@@ -1,5 +1,7 @@
 #include "Recording/RecorderHost.h"
 
+#include "Support/RequestBody.h"
+
 #include "Tallyfoot/Events/StoredRecord.h"
 #include "Tallyfoot/Platform/KeyedArchiver.h"
 #include "Tallyfoot/Platform/UserDefaults.h"
@@ -96,10 +98,11 @@ std::shared_ptr<ApplicationInfo> application(const std::string& appName) {
 
 std::string field(const URLRequest& request, const std::string& name) {
     const std::string head = "name=\"" + name + "\"\r\n\r\n";
-    const auto begin = request.body.find(head);
+    const auto body = bodyOf(request);
+    const auto begin = body.find(head);
     if (begin == std::string::npos) return "(no field " + name + ")";
     const auto text = begin + head.size();
-    return request.body.substr(text, request.body.find("\r\n--", text) - text);
+    return body.substr(text, body.find("\r\n--", text) - text);
 }
 
 std::vector<std::string> events(const std::string& text) {
@@ -113,10 +116,11 @@ std::vector<std::string> events(const std::string& text) {
 }
 
 std::vector<std::string> sentEvents(const URLRequest& request) {
-    const auto begin = request.body.find("PK\x03\x04");
-    const auto end = request.body.rfind("\r\n--");
+    const auto body = bodyOf(request);
+    const auto begin = body.find("PK\x03\x04");
+    const auto end = body.rfind("\r\n--");
     if (begin == std::string::npos || end == std::string::npos) return {"(no archive)"};
-    const std::string archive = request.body.substr(begin, end - begin);
+    const std::string archive = body.substr(begin, end - begin);
     zip_error_t error;
     zip_source_t* source = zip_source_buffer_create(archive.data(), archive.size(), 0, &error);
     zip_t* zip = zip_open_from_source(source, ZIP_RDONLY, &error);

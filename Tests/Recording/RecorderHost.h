@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Support/FakeURLSession.h"
 #include "Support/ManualClock.h"
 #include "Support/ManualDispatch.h"
+#include "Support/ManualURLSession.h"
 #include "Support/RecordingConsole.h"
 #include "Support/TemporaryFolder.h"
 
@@ -56,7 +56,7 @@ public:
     std::shared_ptr<ManualClock> clock;
     std::shared_ptr<ManualDispatch> dispatch;
     std::shared_ptr<RecordingConsole> console = std::make_shared<RecordingConsole>();
-    std::shared_ptr<FakeURLSession> server = std::make_shared<FakeURLSession>();
+    std::shared_ptr<ManualURLSession> server = std::make_shared<ManualURLSession>();
     Settings settings;
     PlatformServices services;
     std::shared_ptr<UploadConfiguration> configuration;

@@ -4,45 +4,32 @@
 #include "Tallyfoot/Platform/URLSession.h"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace tallyfoot::testing {
 
-// Keeps its tasks until the test answers them, on the test's own thread. Tasks that are left are
-// dropped without a completion.
+// Keeps its tasks until the test answers them, on the thread that the test answers from.
 class ManualURLSession final : public URLSession {
 public:
-    struct Task {
-        URLRequest request;
-        DataTaskCompletion completion;
-    };
+    void dataTask(URLRequest request, DataTaskCompletion completion) override;
 
-    void dataTask(URLRequest request, DataTaskCompletion completion) override {
-        tasks_.modify([&](auto& tasks) { tasks.push_back({std::move(request), std::move(completion)}); });
-    }
+    std::size_t waiting() const;              // tasks not yet answered
+    std::vector<URLRequest> requests() const; // all that ever came
 
-    std::size_t taskCount() const {
-        return tasks_.read([](const auto& tasks) { return tasks.size(); });
-    }
-
-    URLRequest request(std::size_t place) const {
-        return tasks_.read([&](const auto& tasks) { return tasks.at(place).request; });
-    }
-
-    // Takes the task out and completes it.
-    void answer(std::size_t place, Result<std::string> answer) {
-        const Task task = tasks_.modify([&](auto& tasks) {
-            Task taken = std::move(tasks.at(place));
-            tasks.erase(tasks.begin() + static_cast<std::ptrdiff_t>(place));
-            return taken;
-        });
-        task.completion(std::move(answer));
-    }
-
-    void answer(Result<std::string> answer) { this->answer(0, std::move(answer)); }
+    // Answers one of the waiting tasks: the one at this place, from 0, or the oldest.
+    void answer(std::size_t place, Result<std::string> body);
+    void answer(Result<std::string> body) { answer(0, std::move(body)); }
+    void answerWith(const std::string& statusCode, const std::vector<std::string>& success = {},
+                    const std::vector<std::string>& failure = {});
 
 private:
-    Exclusive<std::vector<Task>> tasks_;
+    struct State {
+        std::vector<URLRequest> requests;
+        std::vector<DataTaskCompletion> waiting;
+    };
+
+    Exclusive<State> state_;
 };
 
 } // namespace tallyfoot::testing

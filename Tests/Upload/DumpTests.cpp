@@ -9,7 +9,7 @@ TEST(Dump, OfARequestShowsItsPartsAndTheBodysSize) {
     request.url = "http://127.0.0.1:9090/upload";
     request.method = "POST";
     request.headers = {{"Content-Type", "multipart/form-data; boundary=B"}, {"X-\"Odd\"", "a\nb"}};
-    request.body = std::string("12345");
+    request.body = {"123", "45"};
     EXPECT_EQ(dumpText(request), "▿ Tallyfoot.URLRequest\n"
                                  "  - url: \"http://127.0.0.1:9090/upload\"\n"
                                  "  - method: \"POST\"\n"
@@ -32,7 +32,7 @@ TEST(Dump, OfARequestWithoutHeadersOrBody) {
 TEST(Dump, KeepsTheTokenToItself) {
     URLRequest request;
     request.headers = {{"cookie", "secret-token"}};
-    request.body = "authtoken secret-token";
+    request.body = {"authtoken secret-token"};
     const auto text = dumpText(request);
     EXPECT_EQ(text.find("secret"), std::string::npos) << text;
     EXPECT_NE(text.find("  ▿ headers: 1 element\n    - \"cookie\": withheld\n"), std::string::npos) << text;

@@ -1,5 +1,6 @@
 #include "MultipartParser.h"
 #include "Support/ManualURLSession.h"
+#include "Support/RequestBody.h"
 #include "UploadFixture.h"
 
 #include "Tallyfoot/Upload/UploadManager.h"
@@ -62,13 +63,13 @@ protected:
 
 TEST_F(UploadManagerTest, SendsTheParametersAndTheArchive) {
     upload("a.zip", "PK\x03\x04 bytes");
-    ASSERT_EQ(session->taskCount(), 1U);
-    const auto request = session->request(0);
+    ASSERT_EQ(session->waiting(), 1U);
+    const auto request = session->requests().at(0);
     EXPECT_EQ(request.url, address);
     EXPECT_EQ(request.method, "POST");
     const auto boundary = request.headers.at(0).second.substr(std::string("multipart/form-data; boundary=").size());
     EXPECT_THAT(boundary, ::testing::MatchesRegex("tallyfoot\\.boundary\\.[0-9a-f]{16}"));
-    const auto parts = testing::parseMultipart(request.body, boundary);
+    const auto parts = testing::parseMultipart(testing::bodyOf(request), boundary);
     ASSERT_TRUE(parts);
     ASSERT_EQ(parts->size(), 3U);
     EXPECT_EQ(parts->at(0).name(), "appName");
@@ -84,22 +85,22 @@ TEST_F(UploadManagerTest, SendsTheParametersAndTheArchive) {
 TEST_F(UploadManagerTest, EveryUploadOfTheProcessHasTheSameBoundary) {
     upload("a.zip");
     upload("b.zip");
-    EXPECT_EQ(session->request(0).headers.at(0), session->request(1).headers.at(0));
+    EXPECT_EQ(session->requests().at(0).headers.at(0), session->requests().at(1).headers.at(0));
 }
 
 TEST_F(UploadManagerTest, TheTokenIsTheWholeCookieHeader) {
     host.token = "session=\"a; b\"; Caf\xC3\xA9 ";
     upload();
     const std::pair<std::string, std::string> cookie{"cookie", "session=\"a; b\"; Caf\xC3\xA9 "};
-    EXPECT_THAT(session->request(0).headers, ElementsAre(::testing::_, cookie));
+    EXPECT_THAT(session->requests().at(0).headers, ElementsAre(::testing::_, cookie));
 }
 
 TEST_F(UploadManagerTest, TheTokenIsAskedForAtEachUpload) {
     upload();
     host.token = "token-2";
     upload();
-    EXPECT_EQ(session->request(0).headers.at(1).second, "token-1");
-    EXPECT_EQ(session->request(1).headers.at(1).second, "token-2");
+    EXPECT_EQ(session->requests().at(0).headers.at(1).second, "token-1");
+    EXPECT_EQ(session->requests().at(1).headers.at(1).second, "token-2");
 }
 
 TEST_F(UploadManagerTest, WithoutAnAuthenticationAnUploadIsFatal) {
@@ -117,7 +118,7 @@ TEST_F(UploadManagerTest, TellsTheConsoleWhatItSends) {
     const std::string after = " bytes\n\"Started uploading file: a.zip\"\n";
     EXPECT_TRUE(text.starts_with(before)) << text;
     EXPECT_TRUE(text.ends_with(after)) << text;
-    EXPECT_THAT(text, HasSubstr("\n  - body: " + std::to_string(session->request(0).body.size()) + after));
+    EXPECT_THAT(text, HasSubstr("\n  - body: " + std::to_string(session->requests().at(0).bodySize()) + after));
     EXPECT_THAT(text, Not(HasSubstr("token-1")));
 }
 
@@ -223,6 +224,16 @@ TEST_F(UploadManagerTest, AnAnswerNestedWithoutEndIsAnInvalidResponse) {
     EXPECT_EQ(errorKindOf(outcomeOf(objects)), Kind::invalidResponse);
 }
 
+TEST_F(UploadManagerTest, OfAKeyGivenTwiceTheFirstCounts) {
+    const auto outcome = outcomeOf(R"({"data":{"response":{"statusCode":1,"statusCode":2},"response":{}},"data":7})");
+    ASSERT_NE(resultOf(outcome), nullptr);
+    EXPECT_EQ(resultOf(outcome)->statusCode, "1");
+}
+
+TEST_F(UploadManagerTest, AnAnswerOfIllFormedTextIsAnInvalidResponse) {
+    EXPECT_EQ(errorKindOf(outcomeOf("{\"data\":{\"response\":{\"statusCode\":\"2\xFF\"}}}")), Kind::invalidResponse);
+}
+
 TEST_F(UploadManagerTest, AResponseThatDoesNotDecodeSaysWhy) {
     const auto outcome = outcomeOf(R"({"data":{"response":{"statusCode":200,"success":"all"}}})");
     EXPECT_EQ(errorKindOf(outcome), Kind::error);
@@ -243,7 +254,7 @@ TEST_F(UploadManagerTest, APathThatIsNoURLIsReportedAtOnceAndKeepsTheName) {
         EXPECT_EQ(other.console.text(), "\"Error while creating multipart request\"\n");
         EXPECT_TRUE(other.manager->isUploading("a.zip"));
     }
-    EXPECT_EQ(session->taskCount(), 0U);
+    EXPECT_EQ(session->waiting(), 0U);
 }
 
 TEST_F(UploadManagerTest, AnUnsetUploadPathIsAnInvalidOne) {
@@ -255,7 +266,7 @@ TEST_F(UploadManagerTest, AnUnsetUploadPathIsAnInvalidOne) {
     EXPECT_EQ(errorKindOf(seen[0]), Kind::invalidUploadPath);
     EXPECT_EQ(other.console.text(), "\"Error while creating multipart request\"\n");
     EXPECT_TRUE(other.manager->isUploading("a.zip"));
-    EXPECT_EQ(session->taskCount(), 0U);
+    EXPECT_EQ(session->waiting(), 0U);
 }
 
 TEST_F(UploadManagerTest, AFileThatCannotBeReadIsInvalidDataAndLeavesTheSet) {
@@ -266,7 +277,7 @@ TEST_F(UploadManagerTest, AFileThatCannotBeReadIsInvalidDataAndLeavesTheSet) {
     EXPECT_EQ(host.console.text(),
               debugDescription("Failed to upload file: missing.zip with error: " + errorTextOf(outcomes[0])) + "\n");
     EXPECT_FALSE(host.manager->isUploading("missing.zip"));
-    EXPECT_EQ(session->taskCount(), 0U);
+    EXPECT_EQ(session->waiting(), 0U);
 }
 
 TEST_F(UploadManagerTest, AFolderIsNoArchive) {
@@ -277,7 +288,7 @@ TEST_F(UploadManagerTest, AFolderIsNoArchive) {
 
 TEST_F(UploadManagerTest, AnEmptyFileIsSent) {
     upload("a.zip", "");
-    EXPECT_EQ(session->taskCount(), 1U);
+    EXPECT_EQ(session->waiting(), 1U);
 }
 
 TEST_F(UploadManagerTest, ANameIsUploadingUntilItsAnswer) {
@@ -303,7 +314,7 @@ TEST_F(UploadManagerTest, TheNameIsOutBeforeTheCompletionHearsOfIt) {
 TEST_F(UploadManagerTest, ASecondUploadOfANameIsSentAsWell) {
     upload();
     upload();
-    EXPECT_EQ(session->taskCount(), 2U);
+    EXPECT_EQ(session->waiting(), 2U);
     session->answer(std::string(accepted));
     EXPECT_FALSE(host.manager->isUploading("a.zip"));
     session->answer(std::string(accepted));
@@ -372,7 +383,7 @@ TEST_F(UploadManagerTest, UploadsAndAnswersOfManyThreadsAllComplete) {
             });
     }
     EXPECT_EQ(completions, threadCount * uploadsEach);
-    EXPECT_EQ(session->taskCount(), 0U);
+    EXPECT_EQ(session->waiting(), 0U);
     for (int thread = 0; thread < threadCount; ++thread)
         EXPECT_FALSE(host.manager->isUploading(std::to_string(thread) + ".zip"));
 }

@@ -3,6 +3,7 @@
 #include "Tallyfoot/Platform/Result.h"
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,8 +16,14 @@ struct URLRequest {
     std::string url; // absolute, http or https
     std::string method = "GET";
     std::vector<std::pair<std::string, std::string>> headers;
-    std::string body;
+    std::vector<std::string> body;    // pieces, sent one behind the other: a large one is moved in, not copied
     std::chrono::seconds timeout{60}; // of silence; any data starts it anew
+
+    std::size_t bodySize() const noexcept {
+        std::size_t size = 0;
+        for (const auto& piece : body) size += piece.size();
+        return size;
+    }
 };
 
 // The answer's body, empty where it had none. The HTTP status is nobody's business here.

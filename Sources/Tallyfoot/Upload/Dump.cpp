@@ -64,7 +64,7 @@ std::string dumpText(const URLRequest& request) {
         text.append("    - ").append(debugDescription(name)).append(": ");
         text.append(name == "cookie" ? "withheld" : debugDescription(value)).append("\n");
     }
-    text.append("  - body: ").append(count(request.body.size(), "byte")).append("\n");
+    text.append("  - body: ").append(count(request.bodySize(), "byte")).append("\n");
     return text;
 }
 

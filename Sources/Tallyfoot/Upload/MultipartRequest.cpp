@@ -4,9 +4,10 @@
 #include "Tallyfoot/Upload/MIMEType.h"
 
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <utility>
+#include <vector>
 
 namespace tallyfoot {
 
@@ -17,34 +18,26 @@ void appendHexadecimal(std::string& into, std::uint32_t number) {
     for (unsigned shift = 32; shift != 0; shift -= 4) into += digits[(number >> (shift - 4U)) & 0xFU];
 }
 
-struct Form {
-    const std::map<std::string, std::string>& parameters;
-    std::string_view boundary;
-    std::string_view name;
-    std::string_view filename;
+void append(std::string& into, std::initializer_list<std::string_view> texts) {
+    for (const auto text : texts) appendString(into, text);
+}
 
-    // Calls add(piece) for every text in the order in which it is written, and addData() at the
-    // file's place. Measuring and writing both come here, so that the measure cannot fall short.
-    template <class Add, class AddData>
-    void forEachPiece(Add&& add, AddData&& addData) const {
-        for (const auto& [key, value] : parameters)
-            add("--", boundary, "\r\n", "Content-Disposition: form-data; name=\"", key, "\"\r\n\r\n", value, "\r\n");
-        add("--", boundary, "\r\n");
-        add("Content-Disposition: form-data; name=\"", name, "\"; filename=\"", filename, "\"\r\n");
-        add("Content-Type: ", mimeType(filename), "\r\n\r\n");
-        addData();
-        add("\r\n", "--", boundary, "--");
+std::vector<std::string> body(const std::map<std::string, std::string>& parameters, std::string_view boundary,
+                              std::string data, std::string_view name, std::string_view filename) {
+    std::string before;
+    for (const auto& [key, value] : parameters) {
+        append(before, {"--", boundary, "\r\n"});
+        append(before, {"Content-Disposition: form-data; name=\"", key, "\"\r\n\r\n", value, "\r\n"});
     }
-};
+    append(before, {"--", boundary, "\r\n"});
+    append(before, {"Content-Disposition: form-data; name=\"", name, "\"; filename=\"", filename, "\"\r\n"});
+    append(before, {"Content-Type: ", mimeType(filename), "\r\n\r\n"});
+    std::string behind;
+    append(behind, {"\r\n", "--", boundary, "--"});
 
-std::string body(const Form& form, std::string_view data) {
-    std::size_t size = 0;
-    form.forEachPiece([&](const auto&... pieces) { ((size += std::string_view(pieces).size()), ...); },
-                      [&] { size += data.size(); });
-    std::string bytes;
-    bytes.reserve(size);
-    form.forEachPiece([&](const auto&... pieces) { (appendString(bytes, pieces), ...); }, [&] { bytes += data; });
-    return bytes;
+    std::vector<std::string> pieces;
+    for (auto* const piece : {&before, &data, &behind}) pieces.push_back(std::move(*piece));
+    return pieces;
 }
 
 } // namespace
@@ -66,7 +59,7 @@ void appendString(std::string& data, std::string_view text) {
 }
 
 std::optional<URLRequest> multipartRequest(std::string path, const std::map<std::string, std::string>& parameters,
-                                           std::string_view boundary, std::string_view data, std::string_view name,
+                                           std::string_view boundary, std::string data, std::string_view name,
                                            [[maybe_unused]] std::string_view mime, std::string_view filename) {
     if (!isUploadURL(path)) return std::nullopt;
     URLRequest request;
@@ -74,7 +67,7 @@ std::optional<URLRequest> multipartRequest(std::string path, const std::map<std:
     request.method = "POST";
     request.timeout = std::chrono::seconds(60);
     request.headers.emplace_back("Content-Type", "multipart/form-data; boundary=" + std::string(boundary));
-    request.body = body({parameters, boundary, name, filename}, data);
+    request.body = body(parameters, boundary, std::move(data), name, filename);
     return request;
 }
 

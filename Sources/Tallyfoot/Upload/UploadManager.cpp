@@ -35,18 +35,14 @@ void UploadManager::upload(const std::string& archivePath, const Parameters& par
     std::string fileName = lastPathComponent(archivePath);
     uploadsInProgress_.modify([&](auto& names) { names.insert(fileName); });
 
-    std::optional<URLRequest> request;
-    {
-        const auto data = collaborators_.fileManager.contents(archivePath);
-        if (!data) {
-            forget(fileName);
-            reportFailure(fileName, data.error());
-            return completion(UploadError{UploadError::Kind::invalidData, data.error().description});
-        }
-        // The file's own bytes go with this scope: from here on there is only the body.
-        request = multipartRequest(uploadPath_.value_or(std::string()), parameters, boundary(collaborators_.random),
-                                   data.value(), "files", "*/*", fileName);
+    auto data = collaborators_.fileManager.contents(archivePath);
+    if (!data) {
+        forget(fileName);
+        reportFailure(fileName, data.error());
+        return completion(UploadError{UploadError::Kind::invalidData, data.error().description});
     }
+    auto request = multipartRequest(uploadPath_.value_or(std::string()), parameters, boundary(collaborators_.random),
+                                    std::move(data).value(), "files", "*/*", fileName);
     if (!request) {
         console.print("Error while creating multipart request");
         return completion(UploadError{UploadError::Kind::invalidUploadPath, {}});

@@ -3,6 +3,7 @@
 #include "Tallyfoot/Platform/Posix/HTTPAddress.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <string_view>
@@ -46,6 +47,7 @@ bool CurlTransfer::prepare(TimePoint now) {
     error_[0] = '\0';
     isTooLong_ = false;
     headerBytes_ = 0;
+    bodyOffset_ = 0;
     transferred_ = 0;
     lastActivity_ = now;
     curl_easy_reset(handle());
@@ -57,12 +59,16 @@ bool CurlTransfer::prepare(TimePoint now) {
 
 void CurlTransfer::setOptions() {
     auto* const curl = handle();
-    const bool posts = request_.method == "POST" || !request_.body.empty();
+    const auto size = request_.bodySize();
+    const bool posts = request_.method == "POST" || size > 0;
     if (posts) {
-        // Read from where it lies: libcurl copies no more than its send buffer at a time.
         curl_easy_setopt(curl, CURLOPT_POST, 1L);
-        curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body.size()));
-        curl_easy_setopt(curl, CURLOPT_POSTFIELDS, request_.body.data());
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(size));
+        curl_easy_setopt(curl, CURLOPT_READFUNCTION, &CurlTransfer::sendBody);
+        curl_easy_setopt(curl, CURLOPT_READDATA, this);
+        // For a connection that proves dead: the body starts anew on another one.
+        curl_easy_setopt(curl, CURLOPT_SEEKFUNCTION, &CurlTransfer::seekBody);
+        curl_easy_setopt(curl, CURLOPT_SEEKDATA, this);
     }
     if (request_.method != (posts ? "POST" : "GET"))
         curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, request_.method.c_str());
@@ -107,6 +113,30 @@ bool CurlTransfer::setHeaders() {
     }
     headers_ = std::move(list);
     return true;
+}
+
+// Copies from where the pieces lie into libcurl's send buffer.
+std::size_t CurlTransfer::sendBody(char* into, std::size_t size, std::size_t count, void* transfer) noexcept {
+    auto& self = *static_cast<CurlTransfer*>(transfer);
+    const std::size_t room = size * count;
+    std::size_t filled = 0;
+    std::size_t skipped = self.bodyOffset_;
+    for (const auto& piece : self.request_.body) {
+        if (skipped >= piece.size()) {
+            skipped -= piece.size();
+            continue;
+        }
+        filled += piece.copy(into + filled, room - filled, std::exchange(skipped, 0));
+    }
+    self.bodyOffset_ += filled;
+    return filled;
+}
+
+int CurlTransfer::seekBody(void* transfer, curl_off_t offset, int origin) noexcept {
+    auto& self = *static_cast<CurlTransfer*>(transfer);
+    if (origin != SEEK_SET || offset < 0) return CURL_SEEKFUNC_FAIL;
+    self.bodyOffset_ = static_cast<std::size_t>(offset);
+    return CURL_SEEKFUNC_OK;
 }
 
 std::size_t CurlTransfer::receiveBody(char* bytes, std::size_t size, std::size_t count, void* transfer) noexcept {

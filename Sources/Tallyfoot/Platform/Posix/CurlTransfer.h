@@ -34,6 +34,7 @@ public:
     bool prepare(TimePoint now);
 
     // The time at which the peer's silence has lasted too long, as of what was sent and received by now.
+    // A header line counts once it is whole.
     TimePoint deadline(TimePoint now);
 
     // Whether the answer is a redirect to follow; the transfer is then ready to be prepared again.
@@ -48,6 +49,8 @@ public:
     DataTaskCompletion releaseCompletion();
 
 private:
+    static std::size_t sendBody(char* into, std::size_t size, std::size_t count, void* transfer) noexcept;
+    static int seekBody(void* transfer, curl_off_t offset, int origin) noexcept;
     static std::size_t receiveBody(char* bytes, std::size_t size, std::size_t count, void* transfer) noexcept;
     static std::size_t receiveHeader(char* bytes, std::size_t size, std::size_t count, void* transfer) noexcept;
     void setOptions();
@@ -58,6 +61,7 @@ private:
     DataTaskCompletion completion_;
     CurlList headers_;
     std::array<char, CURL_ERROR_SIZE> error_{};
+    std::size_t bodyOffset_ = 0; // up to here it was handed to libcurl
     std::string answer_;
     std::size_t headerBytes_ = 0;
     bool isTooLong_ = false;
