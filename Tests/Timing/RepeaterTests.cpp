@@ -95,13 +95,18 @@ TEST(RepeaterMode, OnlyAFiniteOneCounts) {
 
 // Observers
 
-TEST_F(RepeaterTest, ObserversOfANewOneGetTheIdsFromTheFirstOn) {
-    auto repeater = Repeater::make(dispatch, Interval::seconds(1), Mode::infinite(), noTolerance, nullptr, counting());
-    EXPECT_EQ(repeater->observe(counting()), 2U); // the one given at the start has the first
-    EXPECT_EQ(repeater->observe(counting()), 3U);
+TEST_F(RepeaterTest, ObserveOnANewOneReturnsOneThenTwo) {
+    auto repeater = Repeater::make(dispatch, Interval::seconds(1), Mode::infinite(), noTolerance, nullptr, nullptr);
+    EXPECT_EQ(repeater->observe(counting()), 1U);
+    EXPECT_EQ(repeater->observe(counting()), 2U);
+}
+
+TEST_F(RepeaterTest, TheObserverGivenAtTheStartHasTheFirstId) {
+    auto repeater = make(Mode::infinite());
+    EXPECT_EQ(repeater->observe(counting()), 2U);
     repeater->remove(1);
     repeater->fire(false);
-    EXPECT_EQ(ticks, 2);
+    EXPECT_EQ(ticks, 1);
 }
 
 TEST_F(RepeaterTest, EveryObserverIsCalledWithTheRepeater) {
@@ -153,8 +158,9 @@ TEST_F(RepeaterTest, AnObserverKeepsWhatItHoldsBetweenTicks) {
 }
 
 TEST_F(RepeaterTest, AnEmptyObserverIsSkipped) {
-    auto repeater = Repeater::once(dispatch, Interval::seconds(1), nullptr, nullptr);
-    manual.advance(1s);
+    auto repeater = started(Mode::once());
+    repeater->observe(nullptr);
+    manual.advance(10s);
     EXPECT_EQ(repeater->state(), State::finished);
 }
 
@@ -468,6 +474,26 @@ TEST_F(RepeaterTest, ResetOfAFinishedOneMakesItPaused) {
     EXPECT_THAT(states, ElementsAre(State::paused));
     manual.advance(60s);
     EXPECT_EQ(ticks, 1);
+}
+
+TEST_F(RepeaterTest, ResetTellsEveryChangeWhateverTheStateWas) {
+    for (const State former : {State::paused, State::running, State::executing, State::finished}) {
+        for (const bool restart : {false, true}) {
+            auto repeater = make(former == State::finished ? Mode::once() : Mode::infinite());
+            if (former != State::paused) repeater->start();
+            if (former == State::executing || former == State::finished) manual.advance(10s);
+            ASSERT_EQ(repeater->state(), former);
+            std::vector<State> expected{State::paused};
+            if (isRunning(former)) expected.insert(expected.begin(), State::paused);
+            if (restart) expected.push_back(State::running);
+            states.clear();
+            repeater->reset(std::nullopt, restart);
+            EXPECT_EQ(states, expected) << description(former);
+            ticks = 0;
+            manual.advance(10s);
+            EXPECT_EQ(ticks, restart ? 1 : 0) << description(former);
+        }
+    }
 }
 
 TEST_F(RepeaterTest, ResetWithRestartBeginsOneFullIntervalFromNow) {

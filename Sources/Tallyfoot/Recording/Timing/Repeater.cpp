@@ -25,7 +25,7 @@ std::shared_ptr<Repeater> Repeater::make(Dispatch& dispatch, Interval interval, 
         MutexLock lock(repeater->mutex_);
         repeater->buildTimer();
     }
-    repeater->observe(std::move(observer));
+    if (observer) repeater->observe(std::move(observer));
     return repeater;
 }
 
@@ -77,7 +77,7 @@ void Repeater::setOnStateChanged(StateListener listener) {
 Repeater::ObserverID Repeater::observe(Observer observer) {
     auto added = std::make_shared<Observer>(std::move(observer));
     MutexLock lock(mutex_);
-    const ObserverID id = observerIDs_.next();
+    const ObserverID id = nextObserverID_.next();
     observers_[id].swap(added);
     return id;
 }

@@ -48,7 +48,8 @@ public:
     using ObserverID = std::uint64_t;
     using StateListener = std::function<void(Repeater&, State)>;
 
-    // Not started. Without a queue it makes its own, labelled "com.repeat.queue".
+    // Not started. Without a queue it makes its own, labelled "com.repeat.queue"; without an observer
+    // it ticks all the same.
     static std::shared_ptr<Repeater> make(Dispatch& dispatch, Interval interval, Mode mode,
                                           DispatchTimeInterval tolerance, std::shared_ptr<DispatchQueue> queue,
                                           Observer observer);
@@ -100,7 +101,7 @@ private:
     State state_ TALLYFOOT_GUARDED_BY(mutex_) = State::paused;
     std::shared_ptr<StateListener> onStateChanged_ TALLYFOOT_GUARDED_BY(mutex_);
     std::map<ObserverID, std::shared_ptr<Observer>> observers_ TALLYFOOT_GUARDED_BY(mutex_);
-    ObserverIDs observerIDs_ TALLYFOOT_GUARDED_BY(mutex_);
+    ObserverIDs nextObserverID_ TALLYFOOT_GUARDED_BY(mutex_);
     std::optional<std::int64_t> remainingIterations_ TALLYFOOT_GUARDED_BY(mutex_);
     Interval interval_ TALLYFOOT_GUARDED_BY(mutex_);
 
