@@ -404,6 +404,7 @@ TEST_F(FrequencyMonitorTest, WithoutTheDebugTimerThereIsNoCountdown) {
     uploaded(30);
     auto monitor = started();
     monitor->restart();
+    EXPECT_EQ(dispatch.armedTimers(), 2U); // the rest and the full period
     dispatch.advance(29s);
     EXPECT_THAT(console.lines(), IsEmpty());
 }
@@ -451,6 +452,21 @@ TEST_F(FrequencyMonitorTest, StopEndsTheCountdown) {
     console.clear();
     dispatch.advance(600s);
     EXPECT_THAT(console.lines(), IsEmpty());
+}
+
+TEST_F(FrequencyMonitorTest, ACountdownFromMoreSecondsThanAnIntegerHoldsIsFatal) {
+    auto monitor = make(Repeater::Interval::minutes(std::numeric_limits<std::int64_t>::max() / 60));
+    monitor->start(); // the period alone may be as long as that
+    monitor->setDebugTimerEnabled(true);
+    EXPECT_DEATH(monitor->restart(), "countdown from no whole number");
+}
+
+TEST_F(FrequencyMonitorTest, ACountdownThatUnderflowsIsFatal) {
+    count(1);
+    auto monitor = make(Repeater::Interval::minutes(std::numeric_limits<std::int64_t>::min() / 60));
+    monitor->setDebugTimerEnabled(true);
+    monitor->start();
+    EXPECT_DEATH(dispatch.advance(1s), "countdown underflows");
 }
 
 // On real timers
