@@ -305,6 +305,7 @@ TEST_F(FrequencyMonitorTest, AnEmptyTriggerIsNotCalledAndOwesTheNext) {
     auto monitor = started();
     monitor->setTriggerUpload(nullptr);
     dispatch.advance(60s);
+    monitor->setTriggerUpload(nullptr);
     EXPECT_EQ(triggers, 0);
     monitor->setTriggerUpload([this] { ++triggers; });
     EXPECT_EQ(triggers, 1);
@@ -332,6 +333,16 @@ TEST_F(FrequencyMonitorTest, AfterStopNoTickBegins) {
         EXPECT_EQ(dispatch.armedTimers(), 0U);
         dispatch.advance(600s);
         EXPECT_EQ(triggers, 0);
+    }
+}
+
+TEST_F(FrequencyMonitorTest, StoppedBeforeItsStartItArmsNothing) {
+    for (const double secondsAgo : {10.0, 1000.0}) {
+        uploaded(secondsAgo);
+        auto monitor = makeCounting();
+        monitor->stop();
+        monitor->start();
+        EXPECT_EQ(dispatch.armedTimers(), 0U);
     }
 }
 

@@ -54,6 +54,7 @@ TEST_F(DebouncerTest, TwoCallsWithinTheDelayFireOnceOneFullDelayAfterTheSecond) 
     debouncer->call();
     manual.advance(6s);
     debouncer->call();
+    EXPECT_EQ(dispatch.timersMade(), 2U); // the same repeater, reset
     manual.advance(9999ms);
     EXPECT_EQ(fires, 0);
     manual.advance(1ms);

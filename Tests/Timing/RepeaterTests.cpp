@@ -213,6 +213,11 @@ TEST_F(RepeaterTest, ANegativeIntervalIsDueAtOnce) {
     EXPECT_EQ(ticks, 1);
 }
 
+TEST_F(RepeaterTest, ANegativeIntervalRepeatsWithoutAPause) {
+    auto repeater = Repeater::make(dispatch, Interval::seconds(-3), Mode::infinite(), noTolerance, nullptr, counting());
+    EXPECT_EQ(dispatch.lastTimer().repeating, 0s);
+}
+
 TEST_F(RepeaterTest, WithoutAQueueItMakesItsOwn) {
     auto repeater = make(Mode::once());
     EXPECT_EQ(dispatch.lastTimer().queueLabel, "com.repeat.queue");
@@ -277,6 +282,15 @@ TEST_F(RepeaterTest, StartRunsIt) {
     EXPECT_EQ(ticks, 1);
 }
 
+TEST_F(RepeaterTest, StartTellsTheListenerBeforeItsTimerRuns) {
+    auto repeater = make(Mode::infinite());
+    std::vector<int> resumes;
+    repeater->setOnStateChanged([&](Repeater&, State) { resumes.push_back(dispatch.lastTimer().resumes); });
+    repeater->start();
+    EXPECT_THAT(resumes, ElementsAre(0));
+    EXPECT_EQ(dispatch.lastTimer().resumes, 1);
+}
+
 TEST_F(RepeaterTest, StartOnARunningOneReturnsFalseAndChangesNothing) {
     auto repeater = started(Mode::infinite());
     EXPECT_FALSE(repeater->start());
@@ -333,6 +347,10 @@ TEST_F(RepeaterTest, ATickOnItsWayDuringAPauseComesWithTheNextStart) {
         repeater->start();
         manual.advance(0s);
         EXPECT_EQ(ticks, 1);
+        repeater->pause();
+        repeater->start();
+        manual.advance(0s);
+        EXPECT_EQ(ticks, 1); // and only once
     }
 }
 
@@ -616,6 +634,18 @@ TEST_F(RepeaterTest, AOneShotPausedInsideItsTickComesAgainWhenStarted) {
     manual.advance(10s);
     EXPECT_EQ(ticks, 2);
     EXPECT_EQ(repeater->state(), State::finished);
+}
+
+TEST_F(RepeaterTest, AOneShotPausedInsideATickByHandKeepsItsDeadline) {
+    auto repeater = started(Mode::once());
+    manual.advance(4s);
+    const auto id = repeater->observe([](Repeater& sender) { sender.pause(); });
+    repeater->fire(false);
+    EXPECT_EQ(repeater->state(), State::paused);
+    repeater->remove(id);
+    repeater->start();
+    manual.advance(6s);
+    EXPECT_EQ(ticks, 2);
 }
 
 TEST_F(RepeaterTest, AFinishedOneMayBeStartedFromItsStateListener) {

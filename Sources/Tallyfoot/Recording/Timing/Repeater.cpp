@@ -230,7 +230,6 @@ bool Repeater::change(State expected, State state) {
 void Repeater::buildTimer() {
     timer_ = dispatch_.makeTimerSource(queue_);
     isSuspended_ = true;
-    nextDeadline_.reset();
     ++timerNumber_;
     schedule(interval_.value().duration());
     timer_->setEventHandler([weak = weak_from_this(), number = timerNumber_] {
