@@ -184,6 +184,30 @@ TEST(PosixDispatchSourceTimer, NoHandlerStartsAfterACancelInsideTheTurn) {
     EXPECT_EQ(ticks.count(), 0);
 }
 
+TEST(PosixDispatchSourceTimer, AOneShotSuspendedAndResumedAllTheTimeTicksExactlyOnce) {
+    PosixDispatch dispatch;
+    const auto queue = dispatch.makeQueue("queue");
+    for (int round = 0; round < 100; ++round) {
+        Occurrences ticks;
+        const auto timer = dispatch.makeTimerSource(queue);
+        timer->setEventHandler([&] { ticks.add(); });
+        timer->schedule(std::chrono::microseconds(round % 7 * 50), std::nullopt, 0ns);
+        timer->resume();
+        std::vector<std::thread> threads;
+        for (int index = 0; index < 2; ++index)
+            threads.emplace_back([&] {
+                for (int call = 0; call < 50; ++call) {
+                    timer->suspend();
+                    timer->resume();
+                }
+            });
+        for (auto& thread : threads) thread.join();
+        ASSERT_TRUE(ticks.waitFor(1));
+        queue->sync([] {});
+        ASSERT_EQ(ticks.count(), 1);
+    }
+}
+
 // Every call from every side at once: nothing may hang, crash or race.
 TEST(PosixDispatchSourceTimer, StandsCallsFromSeveralThreads) {
     PosixDispatch dispatch;
