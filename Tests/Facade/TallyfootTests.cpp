@@ -324,6 +324,20 @@ TEST_F(TallyfootTest, TheSameApplicationNameAgainChangesNothing) {
     EXPECT_EQ(authenticationsAsked_, 1);
 }
 
+TEST_F(TallyfootTest, TheSameApplicationNameAgainUploadsNoOldApplication) {
+    start();
+    Tallyfoot::log("a", {});
+    setApplication("Bank");
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::setShowOutput(true);
+    setApplication("Bank");
+    const auto quiet = ::testing::internal::GetCapturedStdout();
+    ::testing::internal::CaptureStdout();
+    setApplication("Cafe");
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("calling upload for old app Shop"));
+    EXPECT_THAT(quiet, Not(HasSubstr("calling upload for old app")));
+}
+
 TEST_F(TallyfootTest, AnotherApplicationNameSwitches) {
     start();
     Tallyfoot::log("a", {});
