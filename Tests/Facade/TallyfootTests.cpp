@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
@@ -109,6 +110,29 @@ TEST_F(TallyfootTest, ATypeNamedByTheHostReplacesTheOneInTheAttributes) {
     EXPECT_EQ(records()[0]["evtType"], "purchase");
 }
 
+TEST_F(TallyfootTest, EveryFormNamedByTheHostWritesThatName) {
+    start();
+    Tallyfoot::log("a", {{LogAttribute::evtType, "other"}});
+    Tallyfoot::logJSON("b", {{LogAttribute::evtType, "other"}});
+    Tallyfoot::logEvent("c", {{"evtType", "other"}});
+    Tallyfoot::logJSONEvent("d", {{"evtType", "other"}});
+    Tallyfoot::log("", {});
+    std::vector<std::string> types;
+    for (const auto& record : records()) types.push_back(record["evtType"]);
+    EXPECT_THAT(types, ElementsAre("a", "b", "c", "d", ""));
+}
+
+TEST_F(TallyfootTest, EveryFormWithAnEventTypeWritesItsText) {
+    start();
+    Tallyfoot::log(EventType::crash, {{LogAttribute::evtLabel, "x"}});
+    Tallyfoot::logJSON(EventType::gesture, {{LogAttribute::evtLabel, "x"}});
+    Tallyfoot::logEvent(EventType::swipe, {{"evtLabel", "x"}});
+    Tallyfoot::logJSONEvent(EventType::progress, {{"evtLabel", "x"}});
+    std::vector<std::string> types;
+    for (const auto& record : records()) types.push_back(record["evtType"]);
+    EXPECT_THAT(types, ElementsAre("crash", "gesture", "swipe", "progress"));
+}
+
 TEST_F(TallyfootTest, ATypeInTheAttributesWinsOverTheEventType) {
     start();
     Tallyfoot::log(EventType::action, {{LogAttribute::evtType, "own"}});
@@ -134,6 +158,24 @@ TEST_F(TallyfootTest, AnEmptyJSONTextBecomesAnEmptyArray) {
     start();
     Tallyfoot::logJSON(EventType::action, {}, "");
     EXPECT_EQ(records()[0]["custom"], json::array());
+}
+
+TEST_F(TallyfootTest, AnEmptyDictionaryIsCustomDataAndNoneIsNot) {
+    start();
+    Tallyfoot::log(EventType::action, {}, CustomAttributes());
+    Tallyfoot::log(EventType::action, {}, std::nullopt);
+    ASSERT_THAT(records(), SizeIs(1));
+    EXPECT_EQ(records()[0]["custom"], json::parse("[{}]"));
+}
+
+TEST_F(TallyfootTest, CustomDataReplacesTheAttributeOfThatNameAndNoneLeavesIt) {
+    start();
+    Tallyfoot::logJSON(EventType::action, {{LogAttribute::custom, "[1]"}}, "[2]");
+    Tallyfoot::logJSON(EventType::action, {{LogAttribute::custom, "[1]"}});
+    Tallyfoot::log(EventType::action, {{LogAttribute::custom, "[1]"}}, {{"nan", std::nan("")}});
+    std::vector<std::string> custom;
+    for (const auto& record : records()) custom.push_back(record["custom"]);
+    EXPECT_THAT(custom, ElementsAre("[2]", "[1]", "[1]"));
 }
 
 TEST_F(TallyfootTest, AJSONTextThatIsNoJSONStaysAText) {
@@ -220,6 +262,13 @@ TEST_F(TallyfootTest, ThePageParentIsOnEveryLaterEventUntilUnset) {
     EXPECT_EQ(records()[1]["pgPrnt"], "iOS");
 }
 
+TEST_F(TallyfootTest, AnEmptyPageParentIsOne) {
+    start();
+    Tallyfoot::setPageParent("");
+    Tallyfoot::log("a", {});
+    EXPECT_EQ(records()[0]["pgPrnt"], "");
+}
+
 TEST_F(TallyfootTest, TheScreenTitleComesFromAutomaticCapture) {
     Tallyfoot::Implementation::shared().setSeams({.currentScreenTitle = [] { return std::string("Home"); }});
     start();
@@ -232,7 +281,13 @@ TEST_F(TallyfootTest, AnIgnoredCategoryIsNeitherPrintedNorRecorded) {
     Tallyfoot::setShowOutput(true);
     ::testing::internal::CaptureStdout();
     Tallyfoot::log(EventType::action, {{LogAttribute::evtCategory, "UISlider"}});
+    Tallyfoot::log("a", {{LogAttribute::evtCategory, "UISlider"}}, {{"k", "v"}});
     Tallyfoot::logJSON(EventType::action, {{LogAttribute::evtCategory, "UISlider"}}, "{}");
+    Tallyfoot::logJSON("a", {{LogAttribute::evtCategory, "UISlider"}});
+    Tallyfoot::logEvent(EventType::action, {{"evtCategory", "UISlider"}});
+    Tallyfoot::logEvent("a", {{"evtCategory", "UISlider"}});
+    Tallyfoot::logJSONEvent(EventType::action, {{"evtCategory", "UISlider"}}, "[]");
+    Tallyfoot::logJSONEvent("a", {{"evtCategory", "UISlider"}});
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
     EXPECT_THAT(records(), IsEmpty());
     EXPECT_THAT(Tallyfoot::shared().ignoreClasses(), ElementsAre("UISlider"));
@@ -246,6 +301,16 @@ TEST_F(TallyfootTest, AnIgnoredClassWithACustomTitleIsIgnoredUnderThatTitle) {
     ASSERT_THAT(records(), SizeIs(1));
     EXPECT_EQ(records()[0]["evtCategory"], "UISlider");
     EXPECT_THAT(Tallyfoot::categoryCustomTitles(), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, AnotherTitleChangesTheIgnoredCategoryWithTheNextConfigure) {
+    start({"UISlider", "UISlider"});
+    Tallyfoot::categoryCustomTitles({{"UISlider", "Slide"}});
+    EXPECT_THAT(Tallyfoot::shared().ignoreClasses(), ElementsAre("UISlider"));
+    configure({"UISlider"});
+    EXPECT_THAT(Tallyfoot::shared().ignoreClasses(), ElementsAre("Slide"));
+    configure();
+    EXPECT_THAT(Tallyfoot::shared().ignoreClasses(), IsEmpty());
 }
 
 TEST_F(TallyfootTest, DisabledEventsAreShownButNotWritten) {
@@ -285,6 +350,33 @@ TEST_F(TallyfootTest, WithoutAnApplicationNothingIsShown) {
     ::testing::internal::CaptureStdout();
     Tallyfoot::log("purchase", {});
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(TallyfootTest, EventsBeforeConfigureAreShownAndLost) {
+    setApplication("Shop");
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("purchase", {});
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("\"evtType: purchase\"\n"));
+    EXPECT_THAT(records(), IsEmpty());
+}
+
+TEST_F(TallyfootTest, WithoutOutputNothingIsShown) {
+    start();
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("purchase", {});
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(TallyfootTest, AnApplicationTakenBackIsNotShownAndTheRecordingGoesOn) {
+    start();
+    Tallyfoot::setAppInfo(nullptr);
+    EXPECT_FALSE(Tallyfoot::appInfo());
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("purchase", {});
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+    EXPECT_THAT(records(), SizeIs(1));
 }
 
 TEST_F(TallyfootTest, ConsoleOutputAndShowOutputAreOneSwitch) {
@@ -369,6 +461,22 @@ TEST_F(TallyfootTest, InterceptionsAreInstalledOnceByWhateverComesFirst) {
     EXPECT_EQ(installed, 1);
 }
 
+TEST_F(TallyfootTest, WhoSaysThatTheInterceptionsAreInstalledInstallsThem) {
+    int installed = 0;
+    Tallyfoot::Implementation::shared().setSeams({.installInterceptions = [&] { ++installed; }});
+    Tallyfoot::setIsSwizzled(true);
+    start();
+    EXPECT_EQ(installed, 0);
+    Tallyfoot::setIsSwizzled(false);
+    configure();
+    EXPECT_EQ(installed, 1);
+}
+
+TEST_F(TallyfootTest, InterceptionsFollowAChangeOfTheEnvironmentThatThrows) {
+    Tallyfoot::modifyEnvironment([](Environment&) { throw std::runtime_error("host"); });
+    EXPECT_TRUE(Tallyfoot::isSwizzled());
+}
+
 TEST_F(TallyfootTest, InterceptionsComeBeforeCrashHooksAndCrashHooksAtEveryConfigure) {
     std::vector<std::string> order;
     Tallyfoot::Implementation::shared().setSeams({.installInterceptions = [&] { order.emplace_back("interceptions"); },
@@ -383,6 +491,19 @@ TEST_F(TallyfootTest, TheEnvironmentIsMadeOnFirstAccessAndIsTheSameAgain) {
     ASSERT_TRUE(environment);
     EXPECT_EQ(environment, Tallyfoot::environment());
     EXPECT_EQ(environment->uploadPath(), "no such path");
+}
+
+TEST_F(TallyfootTest, AnEnvironmentTakenBackIsReplacedByADefaultOne) {
+    Tallyfoot::setEnvironment(nullptr);
+    ASSERT_TRUE(Tallyfoot::environment());
+    EXPECT_EQ(Tallyfoot::environment()->uploadPath(), "no such path");
+}
+
+TEST_F(TallyfootTest, TheSharedInstanceKeepsNoLogs) {
+    start();
+    Tallyfoot::log("a", {});
+    EXPECT_EQ(&Tallyfoot::shared(), &Tallyfoot::shared());
+    EXPECT_THAT(Tallyfoot::shared().logs(), IsEmpty());
 }
 
 TEST_F(TallyfootTest, TheTokenIsTheOneInUse) {
@@ -417,6 +538,103 @@ TEST_F(TallyfootTest, AClosureThatThrowsLeavesNoRecorderAndTheNextConfigureTries
     EXPECT_THAT(records(), SizeIs(1));
 }
 
+TEST_F(TallyfootTest, AClosureThatConfiguresAnotherAndThrowsGivesWayToThatOne) {
+    setApplication("Shop");
+    Tallyfoot::configure(configuration_, {}, [this]() -> std::shared_ptr<Authentication> {
+        configure();
+        throw std::runtime_error("host");
+    });
+    EXPECT_EQ(Tallyfoot::shared().authenticationToken(), "token-1");
+}
+
+TEST_F(TallyfootTest, AClosureThatConfiguresItselfAndThrowsIsGivenUp) {
+    int asked = 0;
+    Tallyfoot::AuthenticationClosure closure;
+    closure = [&]() -> std::shared_ptr<Authentication> {
+        ++asked;
+        Tallyfoot::configure(configuration_, {}, closure);
+        throw std::runtime_error("host");
+    };
+    setApplication("Shop");
+    Tallyfoot::configure(configuration_, {}, closure);
+    EXPECT_EQ(asked, 2);
+    configure();
+    EXPECT_EQ(Tallyfoot::shared().authenticationToken(), "token-1");
+}
+
+TEST_F(TallyfootTest, NoClosureLeavesTheFormerOne) {
+    start();
+    Tallyfoot::configure(configuration_, {}, nullptr);
+    setApplication("Bank");
+    Tallyfoot::log("a", {});
+    EXPECT_THAT(records("Bank"), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, AnApplicationSetWhileTheClosureIsAskedGetsTheFirstEvent) {
+    setApplication("Shop");
+    Tallyfoot::configure(configuration_, {}, [] {
+        std::thread([] { setApplication("Bank"); }).join();
+        return std::make_shared<Authentication>("user-1", "token-1");
+    });
+    Tallyfoot::log("a", {});
+    EXPECT_THAT(records("Shop"), IsEmpty());
+    EXPECT_THAT(records("Bank"), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, TheLastOfManySwitchesAtOnceIsTheOneThatRecords) {
+    start();
+    std::vector<std::thread> threads;
+    for (const std::string name : {"A", "B", "C", "D"})
+        threads.emplace_back([name] {
+            for (int round = 0; round < 5; ++round) {
+                setApplication(name);
+                Tallyfoot::log("a", {});
+            }
+        });
+    for (auto& thread : threads) thread.join();
+    Tallyfoot::log("last", {});
+    const auto last = records(Tallyfoot::appInfo()->appName());
+    ASSERT_THAT(last, Not(IsEmpty()));
+    EXPECT_EQ(last.back()["evtType"], "last");
+}
+
+TEST_F(TallyfootTest, EveryCallMayComeAtOnce) {
+    const std::vector<std::function<void(int)>> calls{
+        [this](int round) {
+            Tallyfoot::configure(configuration_, {"UISlider"}, [round] {
+                Tallyfoot::log("asked", {});
+                if (round % 3 == 0) throw std::runtime_error("host");
+                if (round % 5 == 0) setApplication("Bank");
+                return std::make_shared<Authentication>("user-1", "token-1");
+            });
+        },
+        [](int round) { setApplication(round % 2 == 0 ? "Shop" : "Bank"); },
+        [](int) { Tallyfoot::setAppInfo(nullptr); },
+        [](int round) { Tallyfoot::setPageParent(std::to_string(round)); },
+        [](int round) {
+            Tallyfoot::categoryCustomTitles({{"UISlider", std::to_string(round)}});
+        },
+        [](int) { Tallyfoot::modifyEnvironment([](Environment& environment) { environment.setUploadPath("x"); }); },
+        [](int) { Tallyfoot::setEnvironment(std::make_shared<Environment>()); },
+        [](int round) { Tallyfoot::setIsEnabled(round % 2 == 0); },
+        [](int) { (void)Tallyfoot::shared().ignoreClasses(); },
+        [](int) {
+            Tallyfoot::log(EventType::action, {{LogAttribute::evtCategory, "UISlider"}}, {{"k", "v"}});
+        }};
+    std::vector<std::thread> threads;
+    for (std::size_t thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&calls, thread] {
+            for (int round = 0; round < 60; ++round)
+                calls[(thread + static_cast<std::size_t>(round)) % calls.size()](round);
+        });
+    for (auto& thread : threads) thread.join();
+    Tallyfoot::setIsEnabled(true);
+    start();
+    Tallyfoot::log("last", {});
+    ASSERT_THAT(records(), Not(IsEmpty()));
+    EXPECT_EQ(records().back()["evtType"], "last");
+}
+
 TEST_F(TallyfootTest, IllFormedTextIsRecordedWithReplacementCharacters) {
     start();
     Tallyfoot::log(EventType::action, {{LogAttribute::evtLabel, "a\xFF\x62"}});
@@ -446,6 +664,41 @@ TEST_F(TallyfootDeathTest, TheTokenBeforeTheRecordingIsFatal) {
     EXPECT_DEATH((void)Tallyfoot::shared().authenticationToken(), "authenticationToken");
     configure();
     EXPECT_DEATH((void)Tallyfoot::shared().authenticationToken(), "authenticationToken");
+}
+
+// A host whose last events come from its static objects and exit handlers.
+TEST_F(TallyfootDeathTest, EventsAreRecordedUntilTheProcessEnds) {
+    EXPECT_EXIT(
+        {
+            static const struct Early {
+                ~Early() { Tallyfoot::log("static object made before", {}); }
+            } early;
+            start();
+            static const struct Late {
+                ~Late() { Tallyfoot::log("static object made after", {}); }
+            } late;
+            std::atexit([] { Tallyfoot::log("exit handler", {}); });
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "");
+    std::vector<std::string> types;
+    for (const auto& record : records()) types.push_back(record["evtType"]);
+    EXPECT_THAT(types, ElementsAre("exit handler", "static object made after", "static object made before"));
+}
+
+TEST_F(TallyfootDeathTest, AForkedChildRecordsAndItsParentToo) {
+    start();
+    Tallyfoot::log("before", {});
+    EXPECT_EXIT(
+        {
+            Tallyfoot::log("child", {});
+            std::_Exit(0);
+        },
+        ::testing::ExitedWithCode(0), "");
+    Tallyfoot::log("after", {});
+    std::vector<std::string> types;
+    for (const auto& record : records()) types.push_back(record["evtType"]);
+    EXPECT_THAT(types, ElementsAre("before", "child", "after"));
 }
 
 TEST_F(TallyfootDeathTest, AnEventTypeThatIsNoCaseIsFatal) {

@@ -61,7 +61,7 @@ void Tallyfoot::configure(std::shared_ptr<UploadConfiguration> configuration,
         [&] { implementation().configure(std::move(configuration), ignoreClasses, std::move(authenticationClosure)); });
 }
 
-std::shared_ptr<ApplicationInfo> Tallyfoot::appInfo() noexcept { return implementation().appInfo.copy(); }
+std::shared_ptr<ApplicationInfo> Tallyfoot::appInfo() noexcept { return implementation().pipeline.context()->appInfo; }
 
 void Tallyfoot::setAppInfo(std::shared_ptr<ApplicationInfo> appInfo) noexcept {
     guarded([&] { implementation().setAppInfo(std::move(appInfo)); });
@@ -171,8 +171,8 @@ void Tallyfoot::setEnvironment(std::shared_ptr<Environment> environment) noexcep
 void Tallyfoot::modifyEnvironment(const std::function<void(Environment&)>& change) noexcept {
     guarded([&] {
         if (change) change(*processSettings().environment());
-        implementation().installInterceptionsOnce();
     });
+    configureSwizzle();
 }
 
 void Tallyfoot::setScreenSize(double width, double height) noexcept {
@@ -181,22 +181,28 @@ void Tallyfoot::setScreenSize(double width, double height) noexcept {
 
 // --- The shared instance ---------------------------------------------------------------------
 
-std::string Tallyfoot::authenticationToken() const {
+std::string Tallyfoot::authenticationToken() const noexcept {
     const auto recorder = implementation_->pipeline.context()->recorder;
     if (!recorder) fatalError("authenticationToken needs configure and appInfo first");
     const auto authentication = recorder->authenticationInfo();
     if (!authentication) fatalError("authenticationToken needs an authentication");
-    return authentication->authenticationToken();
+    return guardedValue<std::string>([&] { return authentication->authenticationToken(); });
 }
 
-std::set<std::string> Tallyfoot::ignoreClasses() const {
-    const auto context = implementation_->pipeline.context();
-    return {context->ignoreClasses.begin(), context->ignoreClasses.end()};
+std::set<std::string> Tallyfoot::ignoreClasses() const noexcept {
+    return guardedValue<std::set<std::string>>([this] {
+        const auto context = implementation_->pipeline.context();
+        return std::set<std::string>(context->ignoreClasses.begin(), context->ignoreClasses.end());
+    });
 }
 
-std::shared_ptr<UploadConfiguration> Tallyfoot::uploadConfiguration() const {
-    const auto configured = processSettings().uploadConfiguration.copy();
-    return configured ? configured : UploadConfiguration::defaultConfiguration();
+std::shared_ptr<UploadConfiguration> Tallyfoot::uploadConfiguration() const noexcept {
+    return guardedValue<std::shared_ptr<UploadConfiguration>>([] {
+        const auto configured = processSettings().uploadConfiguration.copy();
+        return configured ? configured : UploadConfiguration::defaultConfiguration();
+    });
 }
+
+std::vector<std::string> Tallyfoot::logs() const noexcept { return {}; }
 
 } // namespace tallyfoot

@@ -22,26 +22,30 @@
 namespace tallyfoot {
 
 // The one class through which a host switches the library on, sets it up and logs events of its
-// own. Every call may come from any thread; none throws.
+// own: `setAppInfo` and `configure`, then `log`. Every call may come from any thread; none throws.
 class TALLYFOOT_EXPORT Tallyfoot {
 public:
     // Asked for the user's credentials when recording starts and whenever the server rejects the
-    // token. Runs on the thread that needs them, with nothing of the library's held. Returning
-    // nothing is fatal.
+    // token. Runs on the thread that needs them, with nothing of the library's held, so that it may
+    // take its time, log and configure. Returning nothing is fatal. If it throws at the start, the
+    // next `configure` or `setAppInfo` tries again; later, the former credentials stay.
     using AuthenticationClosure = std::function<std::shared_ptr<Authentication>()>;
 
     // --- Switching on -------------------------------------------------------------------------
 
     // Together with setAppInfo, in either order, starts the recording; events logged before both
-    // are lost. `ignoreClasses` are platform class names ("UISlider"); events of their categories are
-    // dropped. May be called again: closure, configuration and ignored classes are replaced, but a
-    // recording that runs keeps the configuration that it started with.
+    // are lost. `ignoreClasses` are platform class names ("UISlider"), unknown ones are dropped; events
+    // of their categories, by the custom titles of this moment, are not recorded. May be called again:
+    // closure, configuration and ignored classes are replaced, but a recording that runs keeps the
+    // configuration that it started with. Without a configuration the default one is used; without a
+    // closure the former one stays.
     static void configure(std::shared_ptr<UploadConfiguration> configuration,
                           const std::vector<std::string>& ignoreClasses,
                           AuthenticationClosure authenticationClosure) noexcept;
 
     // Another appName switches the recording to that application; its logs go to a folder of their own,
-    // and what the former ones left is uploaded.
+    // and what the former ones left is uploaded. The same appName again changes nothing on disk. None
+    // stops the console output; a recording that runs goes on.
     static std::shared_ptr<ApplicationInfo> appInfo() noexcept;
     static void setAppInfo(std::shared_ptr<ApplicationInfo> appInfo) noexcept;
 
@@ -49,13 +53,15 @@ public:
     static CategoryTitles categoryCustomTitles() noexcept;
     static void categoryCustomTitles(const std::map<std::string, std::string>& titles) noexcept;
 
-    // Installs automatic capture, once; `configure` and `setEnvironment` do so too.
+    // Installs automatic capture, unless isSwizzled; `configure` and `setEnvironment` do so too.
     static void configureSwizzle() noexcept;
 
     // --- Logging ------------------------------------------------------------------------------
     // An event is on disk when its call returns. What is dropped is dropped silently: events of an
-    // ignored category, without any attribute, or before the recording has started. Custom data that
-    // cannot be serialised is left out and its event kept. A type given as a text is written as it is.
+    // ignored category, without any attribute or custom data, or before the recording has started.
+    // Custom data that cannot be serialised is left out and its event kept. A type given as a text is
+    // written as it is; a number that is no EventType is fatal. What a call sets itself wins over what
+    // every event gets: "evtLclTimestamp", "evtId", "pgName" (the current screen), "pgPrnt" and "evtType".
 
     static void log(EventType type, Attributes attributes,
                     const CustomAttributes& customAttributes = std::nullopt) noexcept;
@@ -93,7 +99,7 @@ public:
     static std::optional<std::string> pageParent() noexcept; // every later event's "pgPrnt"; "iOS" when none
     static void setPageParent(std::optional<std::string> pageParent) noexcept;
 
-    static std::shared_ptr<Environment> environment() noexcept; // a default one is made on first access
+    static std::shared_ptr<Environment> environment() noexcept; // a default one is made where there is none
     static void setEnvironment(std::shared_ptr<Environment> environment) noexcept;
     // Changes the environment in place, with the same consequences as setting it.
     static void modifyEnvironment(const std::function<void(Environment&)>& change) noexcept;
@@ -106,9 +112,10 @@ public:
     static Tallyfoot& shared() noexcept;
 
     // The token of the credentials in use. Fatal before the recording has started.
-    std::string authenticationToken() const;
-    std::set<std::string> ignoreClasses() const; // the categories whose events are dropped
-    std::shared_ptr<UploadConfiguration> uploadConfiguration() const;
+    std::string authenticationToken() const noexcept;
+    std::set<std::string> ignoreClasses() const noexcept; // the categories whose events are dropped
+    std::shared_ptr<UploadConfiguration> uploadConfiguration() const noexcept;
+    std::vector<std::string> logs() const noexcept; // kept empty: events are on disk, not here
 
     Tallyfoot(const Tallyfoot&) = delete;
     Tallyfoot& operator=(const Tallyfoot&) = delete;

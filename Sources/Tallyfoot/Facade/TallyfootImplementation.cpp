@@ -21,9 +21,9 @@ void Tallyfoot::Implementation::configure(std::shared_ptr<UploadConfiguration> c
     for (const auto& name : ignoreClasses)
         if (const auto itfClass = fromRawValue<ITFClass>(name)) ignored.push_back(*itfClass);
 
-    authenticationHandler_.exchange(
-        authenticationClosure ? std::make_shared<const AuthenticationClosure>(std::move(authenticationClosure))
-                              : nullptr);
+    if (authenticationClosure)
+        authenticationHandler_.exchange(
+            std::make_shared<const AuthenticationClosure>(std::move(authenticationClosure)));
     processSettings().uploadConfiguration.exchange(std::move(configuration));
     updateApplicationInfo();
     installInterceptionsOnce();
@@ -37,7 +37,6 @@ void Tallyfoot::Implementation::configure(std::shared_ptr<UploadConfiguration> c
 }
 
 void Tallyfoot::Implementation::setAppInfo(std::shared_ptr<ApplicationInfo> info) {
-    appInfo.exchange(info);
     pipeline.changeContext([&](EventPipeline::Context& context) { context.appInfo = std::move(info); });
     updateApplicationInfo();
 }
@@ -47,41 +46,59 @@ void Tallyfoot::Implementation::installInterceptionsOnce() {
 }
 
 void Tallyfoot::Implementation::updateApplicationInfo() {
-    const bool isOurs = update_.modify([](Update& update) {
-        const bool isFree = update == Update::none;
-        update = isFree ? Update::underWay : Update::wantedAgain;
+    if (const auto recorder = pipeline.context()->recorder) return switchIfOther(*recorder);
+    const bool isOurs = start_.modify([](Start& start) {
+        const bool isFree = start == Start::none;
+        start = isFree ? Start::underWay : Start::wantedAgain;
         return isFree;
     });
     if (!isOurs) return;
-    const auto isDone = [this] {
-        return update_.modify([](Update& update) {
-            update = update == Update::wantedAgain ? Update::underWay : Update::none;
-            return update == Update::none;
+    // Who came meanwhile may have brought what was wrong: one more try. Not for ever, since a closure
+    // that fails may have left the word itself.
+    int failures = 0;
+    bool isDone = false;
+    while (!isDone) {
+        if (!startRecording()) ++failures;
+        isDone = start_.modify([&](Start& start) {
+            const bool goesOn = start == Start::wantedAgain && failures < 2;
+            start = goesOn ? Start::underWay : Start::none;
+            return !goesOn;
         });
-    };
-    try {
-        do bringRecorderUpToDate();
-        while (!isDone());
-    } catch (...) { // the host's closure threw, or memory ran out: the next update tries again
-        update_.exchange(Update::none);
     }
 }
 
-void Tallyfoot::Implementation::bringRecorderUpToDate() {
-    const auto info = appInfo.copy();
-    if (!info || !authenticationHandler_.copy()) return;
-    if (const auto recorder = pipeline.context()->recorder) {
-        if (recorder->appInfo()->appName() != info->appName()) recorder->switchApplication(info);
-        return;
+bool Tallyfoot::Implementation::startRecording() try {
+    const auto context = pipeline.context();
+    if (!context->appInfo || !authenticationHandler_.copy()) return true;
+    if (context->recorder) {
+        switchIfOther(*context->recorder);
+        return true;
     }
+    const auto configuration = Tallyfoot::shared().uploadConfiguration();
+    if (!configuration) return false;
     // The recorder asks for the closure of the last configure: an earlier one may refer to what is gone.
-    const auto handler = [this]() -> std::shared_ptr<Authentication> {
-        const auto closure = authenticationHandler_.copy();
-        return closure ? (*closure)() : nullptr;
-    };
-    auto recorder = EventRecorder::make(defaultPlatformServices(), processSettings(),
-                                        Tallyfoot::shared().uploadConfiguration(), info, handler);
-    pipeline.changeContext([&](EventPipeline::Context& context) { context.recorder = std::move(recorder); });
+    const auto handler = [this] { return (*authenticationHandler_.copy())(); };
+    const auto recorder =
+        EventRecorder::make(defaultPlatformServices(), processSettings(), configuration, context->appInfo, handler);
+    // Another application may have been set while the closure was asked: no event of it goes to the former one.
+    for (bool isInPlace = false; !isInPlace;) {
+        switchIfOther(*recorder);
+        pipeline.changeContext([&](EventPipeline::Context& current) {
+            isInPlace = !current.appInfo || current.appInfo->appName() == recorder->appInfo()->appName();
+            if (isInPlace) current.recorder = recorder;
+        });
+    }
+    return true;
+} catch (...) { // the host's closure threw, or memory ran out: the next update tries again
+    return false;
+}
+
+void Tallyfoot::Implementation::switchIfOther(EventRecorder& recorder) {
+    const auto former = recorder.appInfo(); // both released after the lock: how a record goes is the host's business
+    std::shared_ptr<ApplicationInfo> latest;
+    MutexLock lock(switching_);
+    latest = pipeline.context()->appInfo;
+    if (latest && recorder.appInfo()->appName() != latest->appName()) recorder.switchApplication(latest);
 }
 
 } // namespace tallyfoot

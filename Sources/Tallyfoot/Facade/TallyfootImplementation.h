@@ -3,6 +3,7 @@
 #include "Tallyfoot/Facade/EventPipeline.h"
 #include "Tallyfoot/Facade/Seams.h"
 #include "Tallyfoot/Facade/Tallyfoot.h"
+#include "Tallyfoot/Platform/Exclusive.h"
 
 #include <atomic>
 #include <memory>
@@ -22,19 +23,20 @@ struct TALLYFOOT_INTERNAL Tallyfoot::Implementation {
     void installInterceptionsOnce();
     void setSeams(Seams seams); // before the first configure
 
-    Exclusive<std::shared_ptr<ApplicationInfo>> appInfo;
     Exclusive<CategoryTitles> categoryCustomTitles;
     std::atomic<bool> isSwizzled = false;
     EventPipeline pipeline;
 
 private:
     void updateApplicationInfo();
-    void bringRecorderUpToDate();
+    bool startRecording();
+    void switchIfOther(EventRecorder& recorder);
 
-    // The host's closures run inside an update, so that no lock may be held meanwhile: whoever comes
+    // The host's closure runs inside a start, so that no lock may be held meanwhile: whoever comes
     // while one is under way leaves word that there is more to do.
-    enum class Update { none, underWay, wantedAgain };
-    Exclusive<Update> update_;
+    enum class Start { none, underWay, wantedAgain };
+    Exclusive<Start> start_;
+    Mutex switching_; // one switch at a time, so that a caller's events go where its setAppInfo said
     Exclusive<std::shared_ptr<const AuthenticationClosure>> authenticationHandler_;
     Exclusive<Seams> seams_;
 };
