@@ -1,6 +1,7 @@
 #include "Support/TemporaryFolder.h"
 
 #include "Tallyfoot/Events/JSON.h"
+#include "Tallyfoot/Events/JSONText.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -282,10 +283,11 @@ TEST(JSONWriter, SaysHowDeepAValueIs) {
     }
 }
 
-TEST(JSONWriter, QuotesATextAndReplacesWhatIsIllFormed) {
+TEST(JSONText, QuotesATextAndSaysWhetherItWasWellFormed) {
     std::string text = "x:";
-    json::appendQuoted(text, "a/\"\x80");
-    EXPECT_EQ(text, "x:\"a\\/\\\"\uFFFD\"");
+    EXPECT_TRUE(json::appendQuoted(text, "a/\""));
+    EXPECT_FALSE(json::appendQuoted(text, "\x80"));
+    EXPECT_EQ(text, "x:\"a\\/\\\"\"\"\uFFFD\"");
 }
 
 // Texts that are JSON or nearly so: pieces of it in a random order, now and then a random byte.

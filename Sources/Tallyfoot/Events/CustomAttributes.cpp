@@ -8,20 +8,8 @@
 
 namespace tallyfoot {
 
-namespace {
-
-// Appends a quoted text; false if it is not well-formed.
-bool append(std::string& into, std::string_view text) {
-    into += '"';
-    const bool wellFormed = json::appendEscaped(into, text);
-    into += '"';
-    return wellFormed;
-}
-
-} // namespace
-
 CustomValue::CustomValue(std::string_view text) : text_(std::in_place) {
-    if (!append(*text_, text)) text_.reset();
+    if (!json::appendQuoted(*text_, text)) text_.reset();
 }
 
 CustomValue::CustomValue(const char* text)
@@ -84,7 +72,7 @@ CustomAttributes::CustomAttributes(std::initializer_list<Member> members) : text
         keys.push_back(key);
         depth_ = std::max(depth_, value.depth_ + 1);
         if (text_->size() > 1) *text_ += ',';
-        if (!append(*text_, key) || !value.text_ || depth_ > json::deepestLevel) {
+        if (!json::appendQuoted(*text_, key) || !value.text_ || depth_ > json::deepestLevel) {
             text_.reset();
             return;
         }

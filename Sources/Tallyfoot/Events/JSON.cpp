@@ -226,12 +226,6 @@ std::optional<std::string> write(const nlohmann::json& value, int& levels) {
     return text;
 }
 
-void appendQuoted(std::string& into, std::string_view text) {
-    into += '"';
-    appendEscaped(into, text);
-    into += '"';
-}
-
 std::string deEscapedCustomData(std::string_view text) {
     std::string compact;
     compact.reserve(text.size());

@@ -22,9 +22,6 @@ std::optional<nlohmann::json> array(std::string_view text);      // parsed, and 
 std::optional<std::string> write(const nlohmann::json& value);
 std::optional<std::string> write(const nlohmann::json& value, int& levels); // says how deep it is, too
 
-// One JSON string, quotes included; ill-formed sequences become U+FFFD.
-void appendQuoted(std::string& into, std::string_view text);
-
 // The event text with its member "custom" turned from a text into the array of objects that it
 // spells, the whole object compact; the text itself where that cannot be done.
 std::string deEscapedCustomData(std::string_view text);

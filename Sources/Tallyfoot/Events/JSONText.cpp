@@ -109,6 +109,13 @@ bool appendEscaped(std::string& into, std::string_view text) {
     return wellFormed;
 }
 
+bool appendQuoted(std::string& into, std::string_view text) {
+    into += '"';
+    const bool wellFormed = appendEscaped(into, text);
+    into += '"';
+    return wellFormed;
+}
+
 void appendInteger(std::string& into, std::int64_t number) { appendNumber(into, number); }
 
 void appendUnsigned(std::string& into, std::uint64_t number) { appendNumber(into, number); }

@@ -13,6 +13,7 @@ inline constexpr int deepestLevel = 512; // of arrays and objects inside each ot
 // The inside of a JSON string: quotation mark, backslash, solidus and control characters escaped,
 // everything else as it is. Ill-formed sequences become U+FFFD, and the result is false.
 bool appendEscaped(std::string& into, std::string_view text);
+bool appendQuoted(std::string& into, std::string_view text); // the same with its quotation marks
 
 // The first byte that a string cannot show as it is without a closer look: an escaped one, or one
 // beyond ASCII; or the end.

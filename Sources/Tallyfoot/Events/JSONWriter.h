@@ -24,7 +24,7 @@ public:
 
     bool real(double number) { return appendReal(next(), number); } // false unless finite
 
-    bool string(std::string_view text) { return quoted(text); } // false for ill-formed UTF-8
+    bool string(std::string_view text) { return appendQuoted(next(), text); } // false for ill-formed UTF-8
 
     bool open(Container container) {
         next() += container == Container::object ? '{' : '[';
@@ -40,7 +40,7 @@ public:
     }
 
     bool key(std::string_view text) {
-        const bool wellFormed = quoted(text);
+        const bool wellFormed = appendQuoted(next(), text);
         into_ += ':';
         isFirst_ = true; // no comma before the value
         return wellFormed;
@@ -51,13 +51,6 @@ private:
         if (!isFirst_) into_ += ',';
         isFirst_ = false;
         return into_;
-    }
-
-    bool quoted(std::string_view text) {
-        next() += '"';
-        const bool wellFormed = appendEscaped(into_, text);
-        into_ += '"';
-        return wellFormed;
     }
 
     std::string& into_;

@@ -22,11 +22,4 @@ constexpr std::optional<Enumeration> fromRawValue(std::string_view text) noexcep
     return std::nullopt;
 }
 
-// The case with this ordinal; nothing for any other number.
-template <TextBacked Enumeration>
-constexpr std::optional<Enumeration> fromOrdinal(long long ordinal) noexcept {
-    if (ordinal < 0 || ordinal >= static_cast<long long>(rawValueTable(Enumeration{}).size())) return std::nullopt;
-    return static_cast<Enumeration>(ordinal);
-}
-
 } // namespace tallyfoot
