@@ -154,7 +154,15 @@ TEST(Text, DeletingASuffixTestsForAPrefix) {
 TEST(Text, DeletingASuffixCountsCharacters) {
     EXPECT_EQ(text::deletingSuffix(std::string(accented) + "xyz", accented), std::string(accented) + "xy");
     EXPECT_EQ(text::deletingSuffix("xy" + std::string(family), "x"), "xy");
-    EXPECT_EQ(text::deletingSuffix("\r\n", "\r"), "") << "one character, and one goes";
+    EXPECT_EQ(text::deletingSuffix("\r\nxyz", "\r\n"), "\r\nxy");
+    EXPECT_EQ(text::deletingSuffix(std::string(flag) + std::string(family), flag), flag);
+}
+
+TEST(Text, APieceOfTheFirstCharacterIsNoBeginning) {
+    EXPECT_EQ(text::deletingSuffix(std::string(accented) + "xyz", "e"), std::string(accented) + "xyz");
+    EXPECT_EQ(text::deletingSuffix("\r\n", "\r"), "\r\n");
+    EXPECT_EQ(text::deletingSuffix(flag, flag.substr(0, flag.size() / 2)), flag);
+    EXPECT_EQ(text::deletingSuffix(family, "\U0001F468"), family);
 }
 
 TEST(Text, ContainsAnyOfAList) {

@@ -174,9 +174,9 @@ std::optional<std::string> slice(std::string_view text, std::string_view from, s
 }
 
 std::string deletingSuffix(std::string_view text, std::string_view suffix) {
-    if (!text.starts_with(suffix)) return std::string(text);
-    const auto all = length(text);
-    return std::string(betweenCharacters(text, 0, all - std::min(all, length(suffix))));
+    const auto count = length(suffix);
+    if (betweenCharacters(text, 0, count) != suffix) return std::string(text);
+    return std::string(betweenCharacters(text, 0, length(text) - count));
 }
 
 bool contains(std::string_view text, std::span<const std::string_view> list) {

@@ -26,7 +26,7 @@ std::string prefer(std::string_view text, std::string_view candidate);
 
 std::optional<std::string> stringAfter(std::string_view text, std::string_view marker);
 std::optional<std::string> slice(std::string_view text, std::string_view from, std::string_view to);
-// Despite its name it tests for a prefix; then the last count(suffix) characters go.
+// Despite its name it tests for a prefix, of whole characters; then the last count(suffix) ones go.
 std::string deletingSuffix(std::string_view text, std::string_view suffix);
 bool contains(std::string_view text, std::span<const std::string_view> list);
 std::optional<Date> date(std::string_view text, std::string_view format);
