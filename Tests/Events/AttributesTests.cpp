@@ -46,6 +46,8 @@ TEST(Attributes, AMissingTextIsAnEmptyOne) {
     Attributes attributes;
     attributes.set(LogAttribute::evtLabel, missing);
     EXPECT_EQ(attributes, (Attributes{{LogAttribute::evtLabel, ""}}));
+    EXPECT_EQ((Attributes{{LogAttribute::evtLabel, missing}, {LogAttribute::evtId, nullptr}}),
+              (Attributes{{LogAttribute::evtLabel, ""}, {LogAttribute::evtId, ""}}));
 }
 
 TEST(Attributes, AZeroByteIsPartOfAText) {

@@ -2,7 +2,7 @@
 
 namespace tallyfoot {
 
-Attributes::Attributes(std::initializer_list<std::pair<LogAttribute, std::string_view>> entries) {
+Attributes::Attributes(std::initializer_list<Entry> entries) {
     for (const auto& [key, text] : entries) set(key, text);
 }
 

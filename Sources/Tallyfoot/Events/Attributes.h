@@ -22,9 +22,18 @@ using TextAttributes = std::map<std::string, std::string, std::less<>>;
 // is allocated beyond the texts. Enumerates in declaration order.
 class TALLYFOOT_EXPORT Attributes {
 public:
+    // One in braces: {LogAttribute::evtLabel, "Buy"}. A missing text (nullptr) is an empty one.
+    struct Entry {
+        Entry(LogAttribute attribute, std::string_view value) : key(attribute), text(value) {}
+
+        Entry(LogAttribute attribute, const char* value) : key(attribute), text(value ? value : "") {}
+
+        LogAttribute key;
+        std::string_view text;
+    };
+
     Attributes() = default;
-    // On a key given twice the later value wins.
-    Attributes(std::initializer_list<std::pair<LogAttribute, std::string_view>> entries); // NOLINT: braces convert
+    Attributes(std::initializer_list<Entry> entries); // NOLINT: braces convert; on a key given twice the later one wins
 
     // Keys that are no record key are dropped; values are kept as they are.
     static Attributes fromTexts(const TextAttributes& texts);
@@ -41,7 +50,7 @@ public:
     void set(LogAttribute key, std::string_view text);
     void set(LogAttribute key, std::string&& text);
 
-    void set(LogAttribute key, const char* text) { set(key, text ? std::string_view(text) : std::string_view()); }
+    void set(LogAttribute key, const char* text) { set(key, std::string_view(text ? text : "")); }
 
     void remove(LogAttribute key);
 
