@@ -1,4 +1,6 @@
+#include "Tallyfoot/Events/FileEventFormatter.h"
 #include "Tallyfoot/Events/GeneratedAttributes.h"
+#include "Tallyfoot/Events/StoredRecord.h"
 
 #include <gtest/gtest.h>
 
@@ -49,6 +51,17 @@ TEST_F(GeneratedAttributesTest, AreTimeIdentifierScreenTitleAndPageParent) {
                           {LogAttribute::evtId, "00000000-0000-4000-8000-000000000001"},
                           {LogAttribute::screenTitle, "Home"},
                           {LogAttribute::window, "iOS"}}));
+}
+
+TEST_F(GeneratedAttributesTest, AloneMakeAPrettyPrintedRecord) {
+    auto record = FileEventFormatter().format({EventType::action, generated(Date(1'700'000'000s))}).value();
+    makeStoredRecord(record);
+    EXPECT_EQ(record, "{\n"
+                      "  \"evtId\" : \"00000000-0000-4000-8000-000000000001\",\n"
+                      "  \"evtLclTimestamp\" : \"2023-11-14 22:13:20 +0000\",\n"
+                      "  \"pgName\" : \"Home\",\n"
+                      "  \"pgPrnt\" : \"iOS\"\n"
+                      "}jsonsplit");
 }
 
 TEST_F(GeneratedAttributesTest, APageParentThatIsSetTakesThePlaceOfIOS) {

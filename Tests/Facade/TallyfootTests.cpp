@@ -154,6 +154,26 @@ TEST_F(TallyfootTest, AJSONObjectBecomesAnArrayOfOne) {
     EXPECT_EQ(records()[0]["custom"], json::parse(R"([{"a":1}])"));
 }
 
+TEST_F(TallyfootTest, AJSONObjectIsStoredCompactAndATextThatIsNoJSONPrettyPrinted) {
+    start();
+    const Attributes own{{LogAttribute::evtId, "1"},
+                         {LogAttribute::evtLclTimestamp, "now"},
+                         {LogAttribute::screenTitle, "a/b"},
+                         {LogAttribute::window, "web"}};
+    Tallyfoot::logJSON(EventType::action, own, R"({"a":"b"})");
+    Tallyfoot::logJSON(EventType::action, own, "abc");
+    EXPECT_EQ(stored(), R"({"custom":[{"a":"b"}],"evtId":"1","evtLclTimestamp":"now","evtType":"action",)"
+                        R"("pgName":"a\/b","pgPrnt":"web"}jsonsplit)"
+                        "{\n"
+                        "  \"custom\" : \"[abc]\",\n"
+                        "  \"evtId\" : \"1\",\n"
+                        "  \"evtLclTimestamp\" : \"now\",\n"
+                        "  \"evtType\" : \"action\",\n"
+                        "  \"pgName\" : \"a\\/b\",\n"
+                        "  \"pgPrnt\" : \"web\"\n"
+                        "}jsonsplit");
+}
+
 TEST_F(TallyfootTest, AnEmptyJSONTextBecomesAnEmptyArray) {
     start();
     Tallyfoot::logJSON(EventType::action, {}, "");
