@@ -22,7 +22,6 @@ find_package(CURL REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(nlohmann_json REQUIRED)
 pkg_check_modules(LIBZIP REQUIRED IMPORTED_TARGET GLOBAL libzip)
-pkg_check_modules(LIBPLIST REQUIRED IMPORTED_TARGET GLOBAL libplist-2.0)
 
 if(TALLYFOOT_SANITIZE)
   add_compile_options(-fsanitize=${TALLYFOOT_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

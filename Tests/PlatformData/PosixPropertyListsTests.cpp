@@ -50,8 +50,75 @@ TEST_F(PosixPropertyListsTest, ReadsTheIntegersOfXMLToTheirLimits) {
     EXPECT_EQ(readValue("<integer>18446744073709551615</integer>"), PropertyList{0x1p64});
 }
 
+TEST_F(PosixPropertyListsTest, ReadsIntegersOfXMLWithSignsAndInHexadecimal) {
+    EXPECT_EQ(readValue("<integer> +7\n</integer>"), whole(7));
+    EXPECT_EQ(readValue("<integer>0x1F</integer>"), whole(31));
+    EXPECT_EQ(readValue("<integer>-0X1f</integer>"), whole(-31));
+    EXPECT_EQ(readValue("<integer>007</integer>"), whole(7));
+}
+
+TEST_F(PosixPropertyListsTest, AnIntegerOfXMLThatIsNoneOrBeyond64BitsIsMalformed) {
+    for (const char* odd :
+         {"", "5x", "x", "-", "+-5", "--5", "0x", "1.5", "18446744073709551616", "-9223372036854775809"})
+        EXPECT_FALSE(readValue("<integer>"s + odd + "</integer>")) << odd;
+}
+
+TEST_F(PosixPropertyListsTest, ReadsRealsOfXML) {
+    EXPECT_EQ(readValue("<real>3.141592653589793</real>"), PropertyList{3.141592653589793});
+    EXPECT_EQ(readValue("<real> +1e-300 </real>"), PropertyList{1e-300});
+    EXPECT_EQ(readValue("<real>-0</real>"), PropertyList{-0.0});
+    EXPECT_EQ(readValue("<real>+infinity</real>"), PropertyList{std::numeric_limits<double>::infinity()});
+    for (const char* odd : {"", "1.5x", "1,5", "+-1", "1e400"})
+        EXPECT_FALSE(readValue("<real>"s + odd + "</real>")) << odd;
+}
+
 TEST_F(PosixPropertyListsTest, ReadsADateAsSecondsSince2001) {
     EXPECT_EQ(readValue("<date>2001-01-02T00:00:00Z</date>"), PropertyList{86400.0});
+    EXPECT_EQ(readValue("<date>2024-02-29T23:59:58Z</date>"), PropertyList{730943998.0});
+    EXPECT_EQ(readValue("<date>1999-12-31T00:00:00Z</date>"), PropertyList{-31708800.0});
+    for (const char* odd :
+         {"", "yesterday", "2001-01-02", "2001-02-29T00:00:00Z", "2001-01-02T24:00:00Z", "2001-01-02T00:60:00Z",
+          "2001-01-02T00:00:60Z", "2001-01-02T00:00:00", "20o1-01-02T00:00:00Z"})
+        EXPECT_FALSE(readValue("<date>"s + odd + "</date>")) << odd;
+}
+
+TEST_F(PosixPropertyListsTest, ReadsTheDataOfXMLHoweverItIsBroken) {
+    const auto bytes = [this](const std::string& digits) { return readValue("<data>" + digits + "</data>"); };
+    EXPECT_EQ(bytes(""), PropertyList{PropertyList::Data{""}});
+    EXPECT_EQ(bytes("\n\tAP/+\r\n A A = = \n"), PropertyList{PropertyList::Data{"\0\xFF\xFE\0"s}});
+    EXPECT_EQ(bytes("YWI="), PropertyList{PropertyList::Data{"ab"}});
+    for (const char* odd : {"Y", "YW", "YWI", "YWI=YWI=", "Y===", "====", "!!!!"}) EXPECT_FALSE(bytes(odd)) << odd;
+}
+
+TEST_F(PosixPropertyListsTest, ReadsReferencesToCharacters) {
+    EXPECT_EQ(readValue("<string>&lt;&gt;&amp;&quot;&apos;&#65;&#x1F600;&#x10ffff;</string>"),
+              text("<>&\"'A\U0001F600\U0010FFFF"));
+    for (const char* odd : {"&", "&;", "&amp", "&amp lt;", "&nbsp;", "&#0;", "&#xD800;", "&#x110000;", "&#x;", "&#-1;",
+                            "&#x100000041;", "&#X41;"})
+        EXPECT_FALSE(readValue("<string>a"s + odd + "b</string>")) << odd;
+}
+
+TEST_F(PosixPropertyListsTest, ReadsXMLBehindAByteOrderMarkAndWithoutItsOutermostElement) {
+    const Dictionary expected{{"a", text("b")}};
+    const auto xml = xmlDictionary("<key>a</key><string>b</string>");
+    EXPECT_EQ(read("\xEF\xBB\xBF" + xml), PropertyList{expected});
+    EXPECT_EQ(read("\n<dict><key>a</key><string>b</string></dict>\n"), PropertyList{expected});
+}
+
+TEST_F(PosixPropertyListsTest, TheAttributesOfTheOutermostElementMayStandOnLinesOfTheirOwn) {
+    EXPECT_EQ(read("<plist\n\tversion='1.0'\n><true/></plist>"), PropertyList{true});
+}
+
+TEST_F(PosixPropertyListsTest, ATextIsNeverCutShort) {
+    for (const auto& odd : {"\xFF"s, "\xC3"s, "\xED\xA0\x80"s, "\0"s}) {
+        EXPECT_FALSE(readValue("<dict><key>dev</key><string>dev" + odd + ".example</string></dict>"));
+        EXPECT_FALSE(readValue("<dict><key>d" + odd + "ev</key><string>dev.example</string></dict>"));
+    }
+}
+
+TEST_F(PosixPropertyListsTest, OfEqualKeysOfXMLTheLastWins) {
+    EXPECT_EQ(readValue("<dict><key>a</key><string>b</string><key>a</key><string>c</string></dict>"),
+              (PropertyList{Dictionary{{"a", text("c")}}}));
 }
 
 TEST_F(PosixPropertyListsTest, ReadsAUniqueIdOfXML) {
@@ -98,7 +165,22 @@ TEST_F(PosixPropertyListsTest, WhatIsMalformedIsNone) {
                               "\xFF\xFE<\0"s,
                               "<plist><array>"s,
                               "</plist>"s,
-                              "<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><true/></plist>"s})
+                              "<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><true/></plist>"s,
+                              "<plist><dict><key>a</key></dict></plist>"s,
+                              "<plist><dict><key>a</key><key>b</key><true/></dict></plist>"s,
+                              "<plist><dict>text</dict></plist>"s,
+                              "<plist><dict lang=\"en\"/></plist>"s,
+                              "<plist><key>a</key></plist>"s,
+                              "<plist><array><key>a</key></array></plist>"s,
+                              "<plist><true>x</true></plist>"s,
+                              "<plist><string>a<b/></string></plist>"s,
+                              "<plist><string>a</key></plist>"s,
+                              "<plist><true/><true/></plist>"s,
+                              "<plist><true/></plist><plist><true/></plist>"s,
+                              "<plist><true/></plist>text"s,
+                              "<plist/><true/>"s,
+                              "</true>"s,
+                              "</string>"s})
         EXPECT_FALSE(read(bytes)) << bytes;
 }
 
@@ -112,7 +194,7 @@ TEST_F(PosixPropertyListsTest, ReadsXMLToADepthOf512) {
         }
         return readValue(opening + closing).has_value();
     };
-    EXPECT_TRUE(nested(500));
+    EXPECT_TRUE(nested(512));
     EXPECT_FALSE(nested(513));
     EXPECT_FALSE(nested(1000000));
 }
@@ -136,6 +218,13 @@ TEST_F(PosixPropertyListsTest, WhatIsTooLargeIsNone) {
     EXPECT_FALSE(readValue("<string>" + std::string(PosixPropertyLists::maximumSize, 'a') + "</string>"));
     EXPECT_FALSE(read(lists.data(text(std::string(PosixPropertyLists::maximumSize, 'a')))));
     EXPECT_TRUE(readValue("<string>" + std::string(1u << 20, 'a') + "</string>"));
+}
+
+TEST_F(PosixPropertyListsTest, XMLOfTooManyValuesIsNone) {
+    std::string many;
+    for (int value = 0; value < 600000; ++value) many += "<true/>";
+    EXPECT_FALSE(readValue("<array>" + many + "</array>"));
+    EXPECT_TRUE(readValue("<array>" + many.substr(0, many.size() / 2) + "</array>"));
 }
 
 TEST_F(PosixPropertyListsTest, ReadsADictionaryFromAFile) {

@@ -17,7 +17,6 @@ namespace {
 // a marker: its kind in the upper half, its count (or the power of two of its width) in the lower.
 constexpr std::string_view versionedSignature = "bplist00";
 constexpr std::size_t trailerSize = 32;
-constexpr std::size_t valueWeight = 64;
 constexpr UChar32 replacement = 0xFFFD;
 
 enum Kind : unsigned {
@@ -52,14 +51,6 @@ bool isASCII(std::string_view text) {
     for (const char character : text)
         if (static_cast<unsigned char>(character) > 0x7F) return false;
     return true;
-}
-
-bool isUTF8(std::string_view text) {
-    if (isASCII(text)) return true;
-    auto status = U_ZERO_ERROR;
-    std::int32_t length = 0;
-    u_strFromUTF8(nullptr, 0, &length, text.data(), static_cast<std::int32_t>(text.size()), &status);
-    return status == U_BUFFER_OVERFLOW_ERROR;
 }
 
 std::u16string toUTF16(std::string_view text) {
@@ -393,6 +384,14 @@ private:
 std::optional<PropertyList> decoded(std::string_view bytes) { return Reader(bytes).read(); }
 
 std::string encoded(const PropertyList& list) { return Writer().write(list); }
+
+bool isUTF8(std::string_view text) {
+    if (isASCII(text)) return true;
+    auto status = U_ZERO_ERROR;
+    std::int32_t length = 0;
+    u_strFromUTF8(nullptr, 0, &length, text.data(), static_cast<std::int32_t>(text.size()), &status);
+    return status == U_BUFFER_OVERFLOW_ERROR;
+}
 
 PropertyList uniqueID(std::uint32_t number) {
     return {PropertyList::Dictionary{{std::string(uniqueIDKey), {std::int64_t{number}}}}};

@@ -8,16 +8,17 @@
 #include <string>
 #include <string_view>
 
-// The binary form of property lists. A codec of our own: the library that reads the XML form cuts a
-// text at its first NUL, and lists that are built to be deep, or to name one object a million
-// times, exhaust its stack and memory. Any thread.
+// The binary form of property lists. A codec of our own: the usual library cuts a text at its first
+// NUL, and lists that are built to be deep, or to name one object a million times, exhaust its stack
+// and memory. Any thread.
 namespace tallyfoot::binarypropertylist {
 
 inline constexpr std::string_view signature = "bplist0";
 
 // Against lists made to hurt: what may stand inside one another, and what all values may weigh.
 inline constexpr int maximumDepth = 512;
-inline constexpr std::size_t maximumWeight = 32u << 20; // bytes; a value counts 64 and its own bytes
+inline constexpr std::size_t maximumWeight = 32u << 20; // bytes
+inline constexpr std::size_t valueWeight = 64;          // of each value, besides its own bytes
 
 // Nothing for what is malformed, cyclic, too deep or too heavy, and for a null. Of equal keys the
 // first wins; an integer that needs more than 64 bits reads as a double.
@@ -25,6 +26,8 @@ std::optional<PropertyList> decoded(std::string_view bytes);
 
 // Equal texts are written once. Ill-formed UTF-8 becomes U+FFFD.
 std::string encoded(const PropertyList& list);
+
+bool isUTF8(std::string_view text);
 
 // A unique id, as a property list holds it.
 PropertyList uniqueID(std::uint32_t number);

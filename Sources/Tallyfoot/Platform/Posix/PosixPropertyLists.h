@@ -6,7 +6,6 @@
 
 namespace tallyfoot {
 
-// The XML form is read by libplist, the binary one by a codec of our own.
 class PosixPropertyLists final : public PropertyLists {
 public:
     static constexpr std::size_t maximumSize = 16u << 20; // bytes; a larger one is no property list

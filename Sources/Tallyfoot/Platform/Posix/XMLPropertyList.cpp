@@ -1,98 +1,168 @@
 #include "Tallyfoot/Platform/Posix/XMLPropertyList.h"
 
 #include "Tallyfoot/Platform/Posix/BinaryPropertyList.h"
+#include "Tallyfoot/Platform/Posix/XMLPropertyListValues.h"
 
-#include <plist/plist.h>
-
-#include <cctype>
-#include <cstdint>
-#include <limits>
-#include <memory>
+#include <algorithm>
+#include <utility>
 
 namespace tallyfoot::xmlpropertylist {
 
 namespace {
 
-// Follows the tags and nothing else, to know the depth before libplist meets it: libplist keeps a
-// stack frame for each level. What is no plain tag is refused rather than interpreted, so that the
-// two can never read one text differently.
-class TagScanner {
-public:
-    explicit TagScanner(std::string_view rest) : rest_(rest) {}
+using Value = std::optional<PropertyList>;
 
-    bool isWholeAndShallow() {
-        for (auto at = rest_.find('<'); at != std::string_view::npos; at = rest_.find('<')) {
-            rest_.remove_prefix(at);
-            if (!skipConstruct()) return false;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view sectionStart = "<![CDATA[";
+constexpr std::string_view sectionEnd = "]]>";
+
+struct Tag {
+    enum class Kind { opening, closing, empty };
+    std::string_view name;
+    Kind kind;
+
+    bool closes(std::string_view element) const { return kind == Kind::closing && name == element; }
+};
+
+class Reader {
+public:
+    explicit Reader(std::string_view text) : rest_(text) {}
+
+    Value read() {
+        if (!skipBlanks() || !skipDeclaration()) return std::nullopt;
+        auto top = tag();
+        const bool isWrapped = top && top->name == "plist";
+        if (isWrapped) top = top->kind == Tag::Kind::opening ? tag() : std::nullopt;
+        auto list = value(top, 1);
+        if (isWrapped) {
+            const auto end = tag();
+            if (!end || !end->closes("plist")) return std::nullopt;
         }
-        return depth_ == 0; // libplist takes what comes before a list's end for all of it
+        return skipBlanks() && rest_.empty() ? list : std::nullopt;
     }
 
 private:
-    bool skipConstruct() {
-        if (rest_.starts_with("<!-->") || rest_.starts_with("<!--->")) return false;
-        if (rest_.starts_with("<!--")) return skipPast("-->", 4);
-        if (rest_.starts_with("<![CDATA[")) return skipPast("]]>", 9);
-        if (rest_.starts_with("<?")) return skipPast("?>", 2);
-        const auto end = rest_.find('>');
-        if (end == std::string_view::npos) return false;
-        const auto inside = rest_.substr(1, end - 1);
-        rest_.remove_prefix(end + 1);
-        if (inside.starts_with("!")) return inside.find_first_of("<[") == std::string_view::npos;
-        return countTag(inside);
-    }
-
     bool skipPast(std::string_view terminator, std::size_t from) {
         const auto end = rest_.find(terminator, from);
-        if (end == std::string_view::npos) return false;
+        if (end == rest_.npos) return false;
         rest_.remove_prefix(end + terminator.size());
         return true;
     }
 
-    bool countTag(std::string_view inside) {
-        const bool closes = inside.starts_with('/');
-        if (closes) inside.remove_prefix(1);
-        const bool isEmpty = !closes && inside.ends_with('/');
-        if (isEmpty) inside.remove_suffix(1);
-        while (!inside.empty() && std::isspace(static_cast<unsigned char>(inside.back()))) inside.remove_suffix(1);
-        // Only the outermost element has attributes.
-        if (inside.starts_with("plist ")) inside = inside.find('<') == std::string_view::npos ? "plist" : "";
-        if (inside.empty()) return false;
-        for (const char letter : inside)
-            if (letter < 'a' || letter > 'z') return false;
-        if (closes) return --depth_ >= 0;
-        return isEmpty || ++depth_ <= binarypropertylist::maximumDepth;
+    // A comment or an instruction, which say nothing here.
+    bool isAside() const { return rest_.starts_with("<!--") || rest_.starts_with("<?"); }
+
+    bool skipAside() { return rest_.starts_with("<?") ? skipPast("?>", 2) : skipPast("-->", 4); }
+
+    // False where an aside does not end.
+    bool skipBlanks() {
+        for (;;) {
+            rest_.remove_prefix(std::min(rest_.find_first_not_of(whiteSpace), rest_.size()));
+            if (!isAside()) return true;
+            if (!skipAside()) return false;
+        }
+    }
+
+    // The document's type. One that brings declarations of its own is refused: they could define anything.
+    bool skipDeclaration() {
+        if (!rest_.starts_with("<!DOCTYPE")) return true;
+        return rest_.substr(0, rest_.find('>')).find_first_of("<[", 1) == rest_.npos && skipPast(">", 0);
+    }
+
+    std::optional<Tag> tag() {
+        if (!skipBlanks() || !rest_.starts_with('<')) return std::nullopt;
+        const auto end = rest_.find('>');
+        if (end == rest_.npos) return std::nullopt;
+        auto inside = rest_.substr(1, end - 1);
+        rest_.remove_prefix(end + 1);
+        auto kind = Tag::Kind::opening;
+        if (inside.starts_with('/')) {
+            kind = Tag::Kind::closing;
+            inside.remove_prefix(1);
+        } else if (inside.ends_with('/')) {
+            kind = Tag::Kind::empty;
+            inside.remove_suffix(1);
+        }
+        const auto word = inside.substr(0, inside.find_first_of(whiteSpace));
+        const bool hasAttributes = word == "plist" && kind == Tag::Kind::opening && inside.find('<') == inside.npos;
+        return Tag{hasAttributes ? word : inside.substr(0, inside.find_last_not_of(whiteSpace) + 1), kind};
+    }
+
+    bool weigh(std::size_t bytes) {
+        weight_ += bytes;
+        return weight_ <= binarypropertylist::maximumWeight;
+    }
+
+    // Also nothing for a tag that is missing, closes something or is of no known name.
+    Value value(const std::optional<Tag>& tag, int depth) {
+        if (!tag || tag->kind == Tag::Kind::closing || depth > binarypropertylist::maximumDepth) return std::nullopt;
+        if (!weigh(binarypropertylist::valueWeight)) return std::nullopt;
+        if (tag->name == "dict") return dictionary(*tag, depth);
+        if (tag->name == "array") return array(*tag, depth);
+        auto content = text(*tag);
+        if (!content) return std::nullopt;
+        if (tag->name == "string") return PropertyList{*std::move(content)};
+        return scalar(tag->name, *content);
+    }
+
+    Value array(const Tag& start, int depth) {
+        PropertyList::Array elements;
+        if (start.kind == Tag::Kind::empty) return PropertyList{std::move(elements)};
+        for (auto next = tag(); !next || !next->closes("array"); next = tag()) {
+            auto element = value(next, depth + 1);
+            if (!element) return std::nullopt;
+            elements.push_back(*std::move(element));
+        }
+        return PropertyList{std::move(elements)};
+    }
+
+    Value dictionary(const Tag& start, int depth) {
+        PropertyList::Dictionary entries;
+        if (start.kind == Tag::Kind::empty) return PropertyList{std::move(entries)};
+        for (auto next = tag(); !next || !next->closes("dict"); next = tag()) {
+            if (!next || next->name != "key" || !weigh(binarypropertylist::valueWeight)) return std::nullopt;
+            auto key = text(*next);
+            if (!key) return std::nullopt;
+            auto entry = value(tag(), depth + 1);
+            if (!entry) return std::nullopt;
+            entries.insert_or_assign(*std::move(key), *std::move(entry));
+        }
+        return PropertyList{std::move(entries)};
+    }
+
+    // What stands between an element's tags.
+    std::optional<std::string> text(const Tag& start) {
+        std::string text;
+        if (start.kind == Tag::Kind::empty) return text;
+        while (start.kind == Tag::Kind::opening) {
+            const auto plain = rest_.substr(0, rest_.find('<'));
+            if (!appendUnescaped(text, plain) || !weigh(plain.size())) return std::nullopt;
+            rest_.remove_prefix(plain.size());
+            if (rest_.starts_with(sectionStart)) {
+                rest_.remove_prefix(sectionStart.size());
+                const auto section = rest_.substr(0, rest_.find(sectionEnd));
+                text += section;
+                if (!weigh(section.size()) || !skipPast(sectionEnd, 0)) return std::nullopt;
+            } else if (isAside()) {
+                if (!skipAside()) return std::nullopt;
+            } else {
+                const auto end = tag();
+                return end && end->closes(start.name) ? std::optional(std::move(text)) : std::nullopt;
+            }
+        }
+        return std::nullopt;
     }
 
     std::string_view rest_;
-    int depth_ = 0;
-};
-
-struct NodeDeleter {
-    void operator()(void* node) const noexcept { plist_free(node); }
-};
-
-struct BinaryDeleter {
-    void operator()(char* bytes) const noexcept { plist_to_bin_free(bytes); }
+    std::size_t weight_ = 0;
 };
 
 } // namespace
 
 std::optional<PropertyList> decoded(std::string_view bytes) {
-    if (bytes.size() > std::numeric_limits<std::uint32_t>::max() || !TagScanner(bytes).isWholeAndShallow())
-        return std::nullopt;
-    plist_t parsed = nullptr;
-    plist_from_xml(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &parsed);
-    const std::unique_ptr<void, NodeDeleter> node(parsed);
-    if (!node) return std::nullopt;
-    // By way of the binary form, which tells signed numbers from large ones where libplist's
-    // accessors do not, and which has one reader then.
-    char* written = nullptr;
-    std::uint32_t length = 0;
-    plist_to_bin(node.get(), &written, &length);
-    const std::unique_ptr<char, BinaryDeleter> binary(written);
-    if (!binary) return std::nullopt;
-    return binarypropertylist::decoded({binary.get(), length});
+    if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
+    if (bytes.find('\0') != bytes.npos || !binarypropertylist::isUTF8(bytes)) return std::nullopt;
+    return Reader(bytes).read();
 }
 
 } // namespace tallyfoot::xmlpropertylist
