@@ -101,6 +101,16 @@ TEST_F(EnvironmentTest, SettingNoEndpointReadsThePropertyListAndLeavesThePath) {
     EXPECT_TRUE(environment.environmentDict()->contains("note"));
 }
 
+TEST_F(EnvironmentTest, ANumberThatIsNoEndpointCountsAsNone) {
+    bundle.addEnvironment("Shop", bases(base("dev", "dev.example") + base("", "nobody.example")));
+    environment.setEndpoint(Endpoint::dev);
+    for (const int number : {-1, 3, 1000000}) {
+        environment.setEndpoint(static_cast<Endpoint>(number));
+        EXPECT_EQ(environment.endpoint(), std::nullopt) << number;
+        EXPECT_EQ(environment.uploadPath(), composed("dev.example")) << number;
+    }
+}
+
 TEST_F(EnvironmentTest, TheFirstFrameworkThatHasTheResourceWins) {
     std::filesystem::create_directories(bundle.path() + "/Frameworks/Aardvark.framework");
     bundle.addEnvironment("Shop", bases(base("dev", "shop.example")));

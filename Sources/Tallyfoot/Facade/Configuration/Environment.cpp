@@ -83,6 +83,7 @@ std::optional<Endpoint> Environment::endpoint() const {
 }
 
 void Environment::setEndpoint(std::optional<Endpoint> endpoint) {
+    if (endpoint) endpoint = fromRawValue<Endpoint>(static_cast<int>(*endpoint));
     state_->fields.modify([&](State::Fields& fields) { fields.endpoint = endpoint; });
     state_->update();
 }

@@ -24,7 +24,7 @@ public:
 
     std::optional<Endpoint> endpoint() const;
     // Reads the property list again and composes the upload path. What cannot be resolved leaves
-    // the path as it was, silently.
+    // the path as it was, silently. A number that is no endpoint counts as none.
     void setEndpoint(std::optional<Endpoint> endpoint);
 
     std::string uploadPath() const; // "no such path" until an endpoint was resolved
