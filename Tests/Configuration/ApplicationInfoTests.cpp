@@ -2,6 +2,8 @@
 
 #include "Tallyfoot/Facade/Configuration/ApplicationInfo.h"
 #include "Tallyfoot/Platform/Coder.h"
+#include "Tallyfoot/Platform/Posix/PosixKeyedArchiver.h"
+#include "Tallyfoot/Platform/Posix/PosixPropertyLists.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +18,25 @@ Coder archived(const Fields& fields) {
     Coder coder(ApplicationInfo::archiveClassName);
     for (const auto& [key, text] : fields) coder.encode(text, key);
     return coder;
+}
+
+// Read from an archive in which the one field is a number and each other one its own name.
+Coder mistyped(const std::string& key) {
+    PropertyList::Array objects{{std::string("$null")}};
+    const auto added = [&objects](PropertyList object) {
+        objects.push_back(std::move(object));
+        return PropertyList{PropertyList::Dictionary{{"CF$UID", {static_cast<std::int64_t>(objects.size() - 1)}}}};
+    };
+    PropertyList::Dictionary fields;
+    for (const std::string field : {"appName", "appId", "bizArea", "bizAreaId"})
+        fields[field] = added(field == key ? PropertyList{std::int64_t{7}} : PropertyList{field});
+    fields["$class"] = added({PropertyList::Dictionary{{"$classname", {std::string("ApplicationInfo")}}}});
+    const auto root = added({std::move(fields)});
+    const auto data =
+        PosixPropertyLists().data({PropertyList::Dictionary{{"$archiver", {std::string("NSKeyedArchiver")}},
+                                                            {"$top", {PropertyList::Dictionary{{"root", root}}}},
+                                                            {"$objects", {std::move(objects)}}}});
+    return PosixKeyedArchiver().unarchivedObject(data).value();
 }
 
 TEST(ApplicationInfo, KeepsWhatItWasGiven) {
@@ -79,6 +100,29 @@ TEST(ApplicationInfo, DecodedWithoutANameTakesTheBundlesName) {
     const HostBundle bundle("Corner Shop");
     const ApplicationInfo info(archived({{"appId", "shop-1"}, {"bizArea", "Retail"}, {"bizAreaId", "R-7"}}));
     EXPECT_EQ(info.appName(), "Corner Shop");
+}
+
+TEST(ApplicationInfo, DecodedWithANameThatIsNoTextTakesTheBundlesName) {
+    const HostBundle bundle("Corner Shop");
+    const ApplicationInfo info(mistyped("appName"));
+    EXPECT_EQ(info.appName(), "Corner Shop");
+    EXPECT_EQ(info.appId(), "appId");
+}
+
+TEST(ApplicationInfo, SurvivesAKeyedArchive) {
+    const PosixKeyedArchiver archiver;
+    Coder coder(ApplicationInfo::archiveClassName);
+    ApplicationInfo("Shöp", "", "Retail", "Retail").encode(coder);
+    const ApplicationInfo info(archiver.unarchivedObject(archiver.archivedData(coder)).value());
+    EXPECT_EQ(info.appName(), "Shöp");
+    EXPECT_EQ(info.appId(), "");
+    EXPECT_EQ(info.bizArea(), "Retail");
+    EXPECT_EQ(info.bizAreaId(), "Retail");
+}
+
+TEST(ApplicationInfoDeathTest, DecodingAFieldThatIsNoTextIsFatal) {
+    for (const std::string key : {"appId", "bizArea", "bizAreaId"})
+        EXPECT_DEATH(ApplicationInfo{mistyped(key)}, "fatal error: .*\"" + key + "\"");
 }
 
 TEST(ApplicationInfoDeathTest, DecodingWithoutAppIdIsFatal) {

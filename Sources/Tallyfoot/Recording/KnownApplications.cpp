@@ -8,10 +8,8 @@ namespace tallyfoot {
 
 namespace {
 
-constexpr auto archivedClassName = "ApplicationInfo";
-
 Coder encoded(const ApplicationInfo& appInfo) {
-    Coder coder(archivedClassName);
+    Coder coder(ApplicationInfo::archiveClassName);
     appInfo.encode(coder);
     return coder;
 }
