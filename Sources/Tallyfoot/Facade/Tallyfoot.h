@@ -104,7 +104,8 @@ public:
     // Changes the environment in place, with the same consequences as setting it.
     static void modifyEnvironment(const std::function<void(Environment&)>& change) noexcept;
 
-    // The size that "deviceScrnDim" reports, in points, where the platform knows none.
+    // The size that "deviceScrnDim" reports, in points, where the platform knows none. One that is not
+    // finite or beyond 64 bits is fatal when it is reported.
     static void setScreenSize(double width, double height) noexcept;
 
     // --- The shared instance ------------------------------------------------------------------

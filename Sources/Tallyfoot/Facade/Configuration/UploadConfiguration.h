@@ -16,6 +16,7 @@ namespace tallyfoot {
 class TALLYFOOT_EXPORT UploadConfiguration {
 public:
     // At least 10 seconds and 10 events; smaller values are raised. Files of 10 MiB, storage of 10 MiB.
+    // More seconds than 64 bits hold milliseconds of are fatal when the recording starts.
     UploadConfiguration(std::int64_t seconds, std::int64_t eventsCount);
 
     // Made once, on first use: 1800 seconds, 10 events, files and storage of 5 MiB, and the upload
