@@ -1,6 +1,5 @@
 #include "Tallyfoot/Events/Device.h"
 
-#include "Tallyfoot/Events/IOSDetails.h"
 #include "Tallyfoot/Platform/Bundle.h"
 #include "Tallyfoot/Platform/FatalError.h"
 #include "Tallyfoot/Platform/NetworkInterfaces.h"
@@ -23,7 +22,7 @@ std::string truncated(double points) {
 Attributes Device::attributes() const {
     Attributes attributes;
     attributes.set(LogAttribute::appName, applicationName());
-    attributes.set(LogAttribute::userAgent, IOSDetails(services_).userAgent());
+    attributes.set(LogAttribute::userAgent, details_.userAgent());
     attributes.set(LogAttribute::deviceScrnDim, screenDimensions());
     attributes.set(LogAttribute::userIpAddress, ipAddress().value_or(""));
     return attributes;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tallyfoot/Events/Attributes.h"
+#include "Tallyfoot/Events/IOSDetails.h"
 #include "Tallyfoot/Platform/PlatformServices.h"
 
 #include <optional>
@@ -12,7 +13,7 @@ namespace tallyfoot {
 // each time. Any thread.
 class Device {
 public:
-    explicit Device(const PlatformServices& services) : services_(services) {}
+    explicit Device(const PlatformServices& services) : services_(services), details_(services) {}
 
     Attributes attributes() const; // appName, userAgent, deviceScrnDim, userIpAddress
 
@@ -22,6 +23,7 @@ public:
 
 private:
     PlatformServices services_;
+    IOSDetails details_;
 };
 
 } // namespace tallyfoot

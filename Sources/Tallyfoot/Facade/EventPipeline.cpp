@@ -1,6 +1,5 @@
 #include "Tallyfoot/Facade/EventPipeline.h"
 
-#include "Tallyfoot/Events/Device.h"
 #include "Tallyfoot/Events/FileEventFormatter.h"
 #include "Tallyfoot/Events/Text.h"
 #include "Tallyfoot/Facade/LineBuffer.h"
@@ -29,7 +28,7 @@ std::string asArray(std::string_view text) {
 } // namespace
 
 EventPipeline::EventPipeline(const PlatformServices& services, const Settings& settings)
-    : services_(services), settings_(settings), console_(*services.console, settings.showOutput),
+    : device_(services), settings_(settings), console_(*services.console, settings.showOutput),
       generated_(*services.clock, *services.random), context_(std::make_shared<const Context>()) {}
 
 void EventPipeline::changeContext(FunctionRef<void(Context&)> change) {
@@ -69,7 +68,7 @@ void EventPipeline::logJSON(EventType type, Attributes attributes, std::optional
 
 void EventPipeline::print(const Attributes& attributes, const ApplicationInfo& appInfo) const {
     const auto banner = debugDescription("**************************************************") + "\n";
-    auto shown = Device(services_).attributes();
+    auto shown = device_.attributes();
     shown += attributes;
     shown.set(LogAttribute::appName, appInfo.appName());
 

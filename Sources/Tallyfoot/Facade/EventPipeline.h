@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tallyfoot/Events/Attributes.h"
+#include "Tallyfoot/Events/Device.h"
 #include "Tallyfoot/Events/EventType.h"
 #include "Tallyfoot/Events/GeneratedAttributes.h"
 #include "Tallyfoot/Facade/Configuration/ApplicationInfo.h"
@@ -46,7 +47,7 @@ private:
     static bool isIgnored(const Attributes& attributes, const Context& context);
     void print(const Attributes& attributes, const ApplicationInfo& appInfo) const;
 
-    const PlatformServices services_;
+    const Device device_;
     const Settings& settings_;
     const DebugConsole console_;
     const GeneratedAttributes generated_;
