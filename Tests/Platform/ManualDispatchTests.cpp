@@ -48,6 +48,20 @@ TEST(ManualDispatch, ATimerTicksExactlyAtItsDeadlines) {
     EXPECT_EQ(ticks, 5);
 }
 
+TEST(ManualDispatch, TicksMissedWhileSuspendedArriveAsOneAndTheBeatGoesOn) {
+    ManualDispatch dispatch;
+    const auto timer = dispatch.makeTimerSource(dispatch.makeQueue("queue"));
+    int ticks = 0;
+    timer->setEventHandler([&] { ++ticks; });
+    timer->schedule(1s, 1s, 0ns);
+    dispatch.advance(3500ms);
+    timer->resume();
+    dispatch.advance(499ms);
+    EXPECT_EQ(ticks, 1);
+    dispatch.advance(1ms);
+    EXPECT_EQ(ticks, 2);
+}
+
 TEST(ManualDispatch, TimersTickInTheOrderOfTheirDeadlinesAndThenOfTheirSetting) {
     ManualDispatch dispatch;
     std::vector<int> order;
@@ -107,6 +121,29 @@ TEST(ManualDispatch, ATimerThatIsSetByATickFiresInTheSameAdvance) {
     first->resume();
     dispatch.advance(2s);
     EXPECT_TRUE(fired);
+}
+
+TEST(ManualDispatch, ACancelledTimerIsArmedNoMore) {
+    ManualDispatch dispatch;
+    const auto timer = dispatch.makeTimerSource(dispatch.makeQueue("queue"));
+    timer->schedule(1s, 1s, 0ns);
+    EXPECT_EQ(dispatch.armedTimers(), 1U);
+    timer->cancel();
+    EXPECT_EQ(dispatch.armedTimers(), 0U);
+    timer->schedule(1s, 1s, 0ns);
+    EXPECT_EQ(dispatch.armedTimers(), 0U);
+}
+
+TEST(ManualDispatch, ATimerCancelledWhileItsTickIsOnItsWayIsArmedNoMore) {
+    ManualDispatch dispatch;
+    const auto timer = dispatch.makeTimerSource(dispatch.makeQueue("queue"));
+    timer->schedule(1s, 1s, 0ns);
+    dispatch.advance(1s);
+    timer->resume();
+    EXPECT_EQ(dispatch.waitingBlocks(), 1U);
+    timer->cancel();
+    dispatch.drain();
+    EXPECT_EQ(dispatch.armedTimers(), 0U);
 }
 
 } // namespace
