@@ -323,6 +323,16 @@ TEST_F(TallyfootTest, AnIgnoredClassWithACustomTitleIsIgnoredUnderThatTitle) {
     EXPECT_THAT(Tallyfoot::categoryCustomTitles(), SizeIs(1));
 }
 
+TEST_F(TallyfootTest, TheTitlesThatAreSetMakeTheCategoriesAndReplaceTheFormerOnes) {
+    EXPECT_EQ(category(ITFClass::tabBar, Tallyfoot::categoryCustomTitles()), "UITabBar");
+    Tallyfoot::categoryCustomTitles({{"UITabBar", "Tabs"}, {"UIViewController", "Page"}});
+    EXPECT_EQ(category(ITFClass::tabBar, Tallyfoot::categoryCustomTitles()), "Tabs");
+    EXPECT_EQ(category(ITFClass::viewController, Tallyfoot::categoryCustomTitles()), "Page");
+    Tallyfoot::categoryCustomTitles({{"UITabBar", "Bar"}, {"uiviewcontroller", "Page"}});
+    EXPECT_EQ(category(ITFClass::tabBar, Tallyfoot::categoryCustomTitles()), "Bar");
+    EXPECT_EQ(category(ITFClass::viewController, Tallyfoot::categoryCustomTitles()), "UIViewController");
+}
+
 TEST_F(TallyfootTest, AnotherTitleChangesTheIgnoredCategoryWithTheNextConfigure) {
     start({"UISlider", "UISlider"});
     Tallyfoot::categoryCustomTitles({{"UISlider", "Slide"}});
