@@ -1,5 +1,6 @@
 #include "Tallyfoot/Storage/Archive.h"
 
+#include "Tallyfoot/Storage/ArchiveSink.h"
 #include "Tallyfoot/Storage/PathNames.h"
 
 #include <zip.h>
@@ -35,14 +36,28 @@ using Entry = std::unique_ptr<zip_file_t, Closing>;
 
 Error failure(zip_t* archive) { return {zip_strerror(archive)}; }
 
-Result<Zip> open(const std::string& path, int flags) {
-    int code = 0;
-    if (Zip archive{zip_open(path.c_str(), flags, &code)}) return archive;
-    zip_error_t error;
-    zip_error_init_with_code(&error, code);
+Error failure(zip_error_t& error) {
     Error description{zip_error_strerror(&error)};
     zip_error_fini(&error);
     return description;
+}
+
+Result<Zip> open(const std::string& path) {
+    int code = 0;
+    if (Zip archive{zip_open(path.c_str(), ZIP_RDONLY, &code)}) return archive;
+    zip_error_t error;
+    zip_error_init_with_code(&error, code);
+    return failure(error);
+}
+
+Result<Zip> create(const std::string& path) {
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* sink = makeArchiveSink(path, error);
+    if (sink == nullptr) return failure(error);
+    if (Zip archive{zip_open_from_source(sink, ZIP_CREATE | ZIP_EXCL, &error)}) return archive;
+    zip_source_free(sink);
+    return failure(error);
 }
 
 Result<void> add(zip_t* archive, const std::string& path) {
@@ -106,12 +121,12 @@ Result<void> extract(FileManager& fileManager, zip_t* archive, const zip_stat_t&
 
 Result<void> Archive::pack(const std::vector<std::string>& filePaths, const std::string& archivePath) {
     if (filePaths.empty()) return {};
-    auto archive = open(archivePath, ZIP_CREATE | ZIP_EXCL);
+    auto archive = create(archivePath);
     if (!archive) return archive.error();
     for (const auto& path : filePaths) {
         if (auto added = add(archive.value().get(), path); !added) return added;
     }
-    // All reading and writing happens here: into a file beside, renamed when it is whole.
+    // All reading and writing happens here.
     if (zip_close(archive.value().get()) != 0) return failure(archive.value().get());
     (void)archive.value().release();
     return {};
@@ -121,7 +136,7 @@ Result<std::vector<std::string>> Archive::unpack(FileManager& fileManager, const
                                                  const std::string& pathPrefix) {
     const auto attributes = fileManager.attributesOfItem(archivePath);
     if (!attributes) return attributes.error();
-    auto archive = open(archivePath, ZIP_RDONLY);
+    auto archive = open(archivePath);
     if (!archive) return archive.error();
     const auto entries = readDirectory(archive.value().get(), attributes.value().size);
     if (!entries) return entries.error();
