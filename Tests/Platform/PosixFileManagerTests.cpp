@@ -159,6 +159,14 @@ TEST(PosixFileManager, ARelativeDataHomeCountsAsUnset) {
     EXPECT_EQ(PosixFileManager().applicationSupportDirectory(), "/home/user/.local/share");
 }
 
+TEST(PosixFileManager, ApplicationSupportStaysWhenTheEnvironmentChanges) {
+    PosixFileManager files;
+    ::setenv("XDG_DATA_HOME", "/data/home", 1);
+    EXPECT_EQ(files.applicationSupportDirectory(), "/data/home");
+    ::setenv("XDG_DATA_HOME", "/elsewhere", 1);
+    EXPECT_EQ(files.applicationSupportDirectory(), "/data/home");
+}
+
 TEST(PosixFileManager, WithoutAHomeThePasswdEntryTells) {
     ::unsetenv("XDG_DATA_HOME");
     ::setenv("HOME", "relative", 1);

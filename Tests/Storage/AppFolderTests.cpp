@@ -1,6 +1,9 @@
 #include "RelayFileManager.h"
 #include "StorageFixture.h"
 
+#include <sys/stat.h>
+
+#include <cstdlib>
 #include <filesystem>
 
 namespace tallyfoot::testing {
@@ -75,6 +78,13 @@ TEST_F(AppFolderTest, PathsAreBelowTheApplicationsName) {
     EXPECT_EQ(folder->path(Folder::backup), support / "Tallyfoot/Shop/Backup");
     EXPECT_EQ(folder->path(Folder::events, "a.log"), support / "Tallyfoot/Shop/Events/a.log");
     EXPECT_EQ(makeAppFolder("My Läden, 2. Stock")->path(), support / "Tallyfoot/My Läden, 2. Stock");
+}
+
+TEST_F(AppFolderTest, TheRootStaysWhenTheEnvironmentChanges) {
+    const auto before = folder->path();
+    ::setenv("XDG_DATA_HOME", (support / "elsewhere").c_str(), 1);
+    EXPECT_EQ(folder->path(), before);
+    EXPECT_EQ(makeAppFolder()->path(), before);
 }
 
 TEST_F(AppFolderTest, NewestFilesComeFirst) {

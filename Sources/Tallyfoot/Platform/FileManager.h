@@ -24,7 +24,7 @@ class FileManager {
 public:
     virtual ~FileManager() = default;
 
-    // The user's application-support directory; nothing when there is none.
+    // The user's application-support directory, the same at every call; nothing when there is none.
     virtual std::optional<std::string> applicationSupportDirectory() const = 0;
 
     virtual bool fileExists(const std::string& path) const = 0; // of any kind

@@ -46,13 +46,10 @@ const std::string& AppFolder::appName() const {
     return appInfo_->appName();
 }
 
-const std::string& AppFolder::root() const {
-    std::call_once(rootIsFound_, [this] {
-        const auto support = fileManager_.applicationSupportDirectory();
-        if (!support || support->empty()) fatalError("There is no application support directory");
-        root_ = joined(*support, "Tallyfoot");
-    });
-    return root_;
+std::string AppFolder::root() const {
+    const auto support = fileManager_.applicationSupportDirectory();
+    if (!support || support->empty()) fatalError("There is no application support directory");
+    return joined(*support, "Tallyfoot");
 }
 
 std::string AppFolder::path() const { return joined(root(), pathComponent(appName())); }

@@ -6,7 +6,6 @@
 #include "Tallyfoot/Platform/FileManager.h"
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,8 +19,8 @@ namespace tallyfoot {
 //                                               Upload    closed log files (.log)
 //                                               Backup    archives waiting to be sent (.zip)
 //
-// Keeps no state but the application, and the root folder once it was found. The application's name
-// is one path component as it is; one that is none, or leads elsewhere, is encoded (`pathComponent`).
+// Keeps no state but the application. Its name is one path component as it is; one that is none, or
+// leads elsewhere, is encoded (`pathComponent`).
 // Without an application, or without an application-support directory, every operation is fatal.
 // Who changes files holds the recorder's turn; reading needs none.
 class AppFolder {
@@ -64,14 +63,12 @@ public:
     float totalSize(Folder folder, Size unit) const;      // of everything below; unreadable ones left out
 
 private:
-    const std::string& root() const;
+    std::string root() const;
     bool mayHoldLogs(Folder folder) const;
 
     FileManager& fileManager_;
     DebugConsole console_;
     std::shared_ptr<const ApplicationInfo> appInfo_;
-    mutable std::once_flag rootIsFound_;
-    mutable std::string root_;
 };
 
 } // namespace tallyfoot

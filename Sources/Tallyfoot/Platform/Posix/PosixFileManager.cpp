@@ -205,10 +205,12 @@ private:
 } // namespace
 
 std::optional<std::string> PosixFileManager::applicationSupportDirectory() const {
-    if (auto data = pathVariable("XDG_DATA_HOME")) return data;
-    const auto home = homeFolder();
-    if (!home) return std::nullopt;
-    return joined(*home, ".local/share");
+    std::call_once(supportIsFound_, [this] {
+        support_ = pathVariable("XDG_DATA_HOME");
+        if (support_) return;
+        if (const auto home = homeFolder()) support_ = joined(*home, ".local/share");
+    });
+    return support_;
 }
 
 bool PosixFileManager::fileExists(const std::string& path) const {

@@ -2,6 +2,8 @@
 
 #include "Tallyfoot/Platform/FileManager.h"
 
+#include <mutex>
+
 namespace tallyfoot {
 
 // The file system of the machine. What it creates is for the user alone (0700 and 0600, less the
@@ -9,7 +11,8 @@ namespace tallyfoot {
 class PosixFileManager final : public FileManager {
 public:
     // $XDG_DATA_HOME, else .local/share in $HOME, else in the home of the passwd entry. A variable
-    // that is not an absolute path counts as unset.
+    // that is not an absolute path counts as unset. Found once: a host that changes its environment
+    // later does not divide its logs.
     std::optional<std::string> applicationSupportDirectory() const override;
 
     bool fileExists(const std::string& path) const override;
@@ -29,6 +32,10 @@ public:
     Result<std::string> contents(const std::string& path) const override;
     Result<void> writeAtomically(const std::string& path, std::string_view bytes) override;
     Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) override;
+
+private:
+    mutable std::once_flag supportIsFound_;
+    mutable std::optional<std::string> support_;
 };
 
 } // namespace tallyfoot
