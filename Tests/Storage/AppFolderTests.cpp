@@ -143,6 +143,13 @@ TEST_F(AppFolderTest, OnlyLogsOfAtLeastAByteAreNonEmptyLogs) {
     EXPECT_THAT(folder->nonEmptyLogPaths(Folder::upload), ElementsAre(path(Folder::upload, "one.log")));
 }
 
+TEST_F(AppFolderTest, ALinkOrAPipeIsNoLogFile) {
+    put(Folder::upload, "a.log", "1");
+    fs::create_symlink("a.log", path(Folder::upload, "link.log"));
+    ASSERT_EQ(::mkfifo(path(Folder::upload, "pipe.log").c_str(), 0600), 0);
+    EXPECT_THAT(folder->nonEmptyLogPaths(Folder::upload), ElementsAre(path(Folder::upload, "a.log")));
+}
+
 TEST_F(AppFolderTest, MovingReplacesAFileOfTheSameName) {
     folder->createFolders();
     put(Folder::events, "a.log", "new");

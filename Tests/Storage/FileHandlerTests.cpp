@@ -63,6 +63,7 @@ TEST_F(FileHandlerTest, StartReusesOnlyLogFiles) {
     put(Folder::events, "notes.txt", "1");
     put(Folder::events, ".hidden.log", "1");
     fs::create_directories(path(Folder::events, "folder.log"));
+    fs::create_symlink("nowhere", path(Folder::events, "link.log"));
     EXPECT_EQ(makeFileHandler()->currentLogFileName(), firstName);
 }
 

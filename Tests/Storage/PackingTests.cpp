@@ -59,6 +59,28 @@ TEST_F(PackingTest, NothingToPackMakesNoArchive) {
     EXPECT_THAT(console.lines(), IsEmpty());
 }
 
+TEST_F(PackingTest, WhatIsNoFileIsLeftAloneAndBlocksNobody) {
+    // Folders have no size on some disks.
+    class Sizeless final : public RelayFileManager {
+    public:
+        using RelayFileManager::RelayFileManager;
+        Result<FileAttributes> attributesOfItem(const std::string& path) const override {
+            auto attributes = RelayFileManager::attributesOfItem(path);
+            if (attributes && fs::is_directory(path)) attributes.value().size = 0;
+            return attributes;
+        }
+    };
+    Sizeless disk(fileManager);
+    const auto sizeless = makeFileHandler(disk);
+    put(Folder::upload, "a.log", "1");
+    put(Folder::upload, "folder.log/inner", "1");
+    fs::create_symlink("nowhere", path(Folder::upload, "link.log"));
+    sizeless->zip(directly);
+    EXPECT_THAT(packedNames(), ElementsAre("a.log"));
+    EXPECT_THAT(names(Folder::upload), ElementsAre("folder.log", "link.log"));
+    EXPECT_EQ(readFile(path(Folder::upload, "folder.log/inner")), "1");
+}
+
 TEST_F(PackingTest, TheCurrentFileIsNotPacked) {
     handler->write("onejsonsplit");
     handler->zip(directly);

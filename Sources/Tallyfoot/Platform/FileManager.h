@@ -16,7 +16,7 @@ namespace tallyfoot {
 struct FileAttributes {
     std::uint64_t size;
     Date creationDate; // birth time where the file system keeps one, else the modification time
-    bool isDirectory;
+    bool isRegular;    // a file, and no folder, link or pipe
 };
 
 // Files by path, UTF-8. Every call goes to the file system afresh. Any thread. Apple: NSFileManager.

@@ -108,8 +108,7 @@ std::vector<std::string> AppFolder::nonEmptyLogPaths(Folder folder) const {
 }
 
 bool AppFolder::isNonEmptyLog(const Item& item) noexcept {
-    return item.name.ends_with(".log") && item.attributes && !item.attributes->isDirectory
-           && item.attributes->size >= 1;
+    return item.name.ends_with(".log") && item.attributes && item.attributes->isRegular && item.attributes->size >= 1;
 }
 
 bool AppFolder::mayHoldLogs() const {

@@ -48,7 +48,7 @@ public:
     std::vector<std::string> fileNames(Folder folder) const;
     std::vector<std::string> filePaths(Folder folder) const;
     std::vector<std::string> archivePaths() const;                  // ".zip" of Backup
-    std::vector<std::string> nonEmptyLogPaths(Folder folder) const; // ".log" of at least a byte
+    std::vector<std::string> nonEmptyLogPaths(Folder folder) const; // regular ".log" of at least a byte
     static bool isNonEmptyLog(const Item& item) noexcept;
 
     // False only when there is certainly no archive and no log file with anything in it: what cannot be

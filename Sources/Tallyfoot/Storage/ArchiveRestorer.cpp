@@ -75,7 +75,7 @@ std::optional<FileAttributes> ArchiveRestorer::twin(const std::string& name, con
     const auto restored = work.entryPath(name);
     const auto attributes = fileManager_.attributesOfItem(there);
     const auto restoredAttributes = fileManager_.attributesOfItem(restored);
-    if (!attributes || !restoredAttributes || attributes.value().isDirectory) return {};
+    if (!attributes || !restoredAttributes || !attributes.value().isRegular) return {};
     if (attributes.value().size != restoredAttributes.value().size) return {};
     const auto bytes = fileManager_.contents(there);
     const auto restoredBytes = fileManager_.contents(restored);

@@ -45,12 +45,12 @@ void FileHandler::restoreArchives(const std::function<bool(std::string_view)>& i
 void FileHandler::chooseCurrentFile() {
     const auto items = appFolder_->items(Folder::events);
     const auto newest = std::find_if(items.begin(), items.end(), [](const AppFolder::Item& item) {
-        return item.name.ends_with(".log") && !(item.attributes && item.attributes->isDirectory);
+        return item.name.ends_with(".log") && (!item.attributes || item.attributes->isRegular);
     });
     currentLogFileName_ = newest == items.end() ? names_.next(".log") : newest->name;
     collaborators_.console.print({"Current log filename: ", *currentLogFileName_});
     print("Current log filepath: ", currentFilePath());
-    ensureCurrentFileExists();
+    (void)ensureCurrentFileExists();
 }
 
 void FileHandler::setTriggerUpload(std::function<void()> trigger) { triggerUpload_ = std::move(trigger); }

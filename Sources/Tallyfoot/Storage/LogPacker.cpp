@@ -24,7 +24,8 @@ void LogPacker::pack(Turn turn) {
 LogPacker::Logs LogPacker::closedLogs(Turn turn) {
     auto logs = appFolder_.items(Folder::upload);
     for (const auto& item : logs) {
-        if (!item.name.ends_with(".log") || !item.attributes || item.attributes->size != 0) continue;
+        if (!item.name.ends_with(".log") || !item.attributes || !item.attributes->isRegular) continue;
+        if (item.attributes->size != 0) continue;
         turn([&] {
             if (isUnchanged(item)) (void)appFolder_.remove(appFolder_.path(Folder::upload, item.name));
         });

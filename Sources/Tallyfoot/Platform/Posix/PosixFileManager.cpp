@@ -228,7 +228,7 @@ Result<FileAttributes> PosixFileManager::attributesOfItem(const std::string& pat
         return systemError("examine", path, errno);
     const auto& time = (status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_mtime;
     const Date date(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
-    return FileAttributes{status.stx_size, date, S_ISDIR(status.stx_mode)};
+    return FileAttributes{status.stx_size, date, S_ISREG(status.stx_mode)};
 }
 
 Result<std::vector<std::string>> PosixFileManager::contentsOfDirectory(const std::string& path) const {
