@@ -136,7 +136,8 @@ int moveWithoutReplacing(const char* source, const char* destination) {
 bool writeAll(int file, std::string_view bytes) {
     while (!bytes.empty()) {
         const auto count = retrying([&] { return ::write(file, bytes.data(), bytes.size()); });
-        if (count < 0) return false;
+        if (count == 0) errno = ENOSPC;
+        if (count <= 0) return false;
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return true;
