@@ -50,6 +50,14 @@ TEST_F(FileHandlerFaultTest, AFileThatCannotBeCreatedIsReportedInItsOwnWords) {
                             "\"Current log filepath: " + url + "\"", "\"Filed to create log file at: " + url + "\""));
 }
 
+TEST_F(FileHandlerFaultTest, ARecordWithoutAFileIsReportedOnce) {
+    writeFile(path(Folder::events), "in the way");
+    const auto handler = makeFileHandler();
+    console.clear();
+    handler->write("onejsonsplit");
+    EXPECT_THAT(console.lines(), ElementsAre(StartsWith("\"Filed to create log file at: ")));
+}
+
 TEST_F(FileHandlerFaultTest, WithoutAHandleAWriteDoesNothingButTheThresholdIsChecked) {
     writeFile(path(Folder::events), "in the way");
     const auto handler = makeFileHandler();
@@ -74,7 +82,9 @@ TEST_F(FileHandlerFaultTest, TheThresholdLooksAtTheFileItselfWhenItCannotBeOpene
     const auto handler = makeFileHandler(disk);
     int triggers = 0;
     handler->setTriggerUpload([&] { ++triggers; });
+    console.clear();
     handler->write("onejsonsplit");
+    EXPECT_THAT(console.lines(), ElementsAre("\"Failed to write to log file: closed\""));
     EXPECT_EQ(triggers, 0);
     fs::resize_file(path(Folder::events, firstName), 10485760);
     handler->write("onejsonsplit");

@@ -60,9 +60,9 @@ std::string FileHandler::currentFilePath() const {
     return appFolder_->path(Folder::events, *currentLogFileName_);
 }
 
-void FileHandler::ensureCurrentFileExists() {
+bool FileHandler::ensureCurrentFileExists() {
     auto& fileManager = collaborators_.fileManager;
-    if (fileManager.fileExists(currentFilePath())) return;
+    if (fileManager.fileExists(currentFilePath())) return true;
     // An archive that came back meanwhile may have brought a closed file of this name.
     if (fileManager.fileExists(appFolder_->path(Folder::upload, *currentLogFileName_)))
         currentLogFileName_ = names_.next(".log");
@@ -74,6 +74,7 @@ void FileHandler::ensureCurrentFileExists() {
         created = fileManager.writeAtomically(path, {});
     }
     print(created ? "File created at path: " : "Filed to create log file at: ", path);
+    return static_cast<bool>(created);
 }
 
 void FileHandler::write(std::string_view record) {
@@ -87,14 +88,17 @@ float FileHandler::append(std::string_view record) {
     // A file that was removed under us took the record with it: once more, into a new one.
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (!recordFile_.isOpen()) {
-            ensureCurrentFileExists();
-            if (!recordFile_.open(currentFilePath())) break;
+            if (!ensureCurrentFileExists()) break; // which said so
+            if (const auto opened = recordFile_.open(currentFilePath()); !opened) {
+                report(opened.error());
+                break;
+            }
         }
         const auto status = recordFile_.append(record);
         if (status && status.value().isLinked) return static_cast<float>(status.value().size);
         recordFile_.close();
         if (!status) {
-            collaborators_.console.print({"Failed to write to log file: ", status.error().description});
+            report(status.error());
             break;
         }
     }
@@ -170,6 +174,10 @@ void FileHandler::restore(const std::string& archivePath, const std::vector<std:
 }
 
 bool FileHandler::isRestoring(const std::string& archivePath) { return ArchiveRestorer::isRestoring(archivePath); }
+
+void FileHandler::report(const Error& error) const {
+    collaborators_.console.print({"Failed to write to log file: ", error.description});
+}
 
 void FileHandler::print(std::string_view text, const std::string& path) const {
     if (collaborators_.console.isOn()) collaborators_.console.print({text, fileURL(path)});

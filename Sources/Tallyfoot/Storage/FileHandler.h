@@ -75,9 +75,10 @@ public:
 private:
     void restoreArchives(const std::function<bool(std::string_view)>& isInFlight);
     void chooseCurrentFile();
-    void ensureCurrentFileExists();
+    bool ensureCurrentFileExists();        // says so if it could not be made
     float append(std::string_view record); // the file's size afterwards
     void moveLeftovers();
+    void report(const Error& error) const;
     void print(std::string_view text, const std::string& path) const;
 
     Collaborators collaborators_;
