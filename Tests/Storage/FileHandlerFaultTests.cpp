@@ -132,6 +132,39 @@ TEST_F(FileHandlerFaultTest, AFileThatCannotMoveStaysAndGoesWithTheNextOne) {
     EXPECT_EQ(bytes(Folder::upload, second), "twojsonsplit");
 }
 
+TEST_F(FileHandlerFaultTest, ClosingMakesTheFoldersThatAreGone) {
+    const auto handler = makeFileHandler();
+    handler->write("onejsonsplit");
+    fs::remove_all(path(Folder::upload));
+    fs::remove_all(path(Folder::backup));
+    console.clear();
+    handler->close();
+    EXPECT_THAT(console.lines(), IsEmpty());
+    EXPECT_EQ(bytes(Folder::upload, firstName), "onejsonsplit");
+    handler->zip(directly);
+    EXPECT_EQ(names(Folder::backup).size(), 1U);
+}
+
+TEST_F(FileHandlerFaultTest, ALeftoverThatCannotMoveReplacesNothing) {
+    class Stuck final : public RelayFileManager {
+    public:
+        using RelayFileManager::RelayFileManager;
+        Result<void> moveItem(const std::string& source, const std::string& destination) override {
+            if (source.ends_with("/Events/old.log")) return Error{"stuck"};
+            return RelayFileManager::moveItem(source, destination);
+        }
+    };
+    Stuck disk(fileManager);
+    const auto handler = makeFileHandler(disk);
+    put(Folder::events, "old.log", "onejsonsplit");
+    put(Folder::upload, "old.log", "twojsonsplit");
+    console.clear();
+    handler->close();
+    EXPECT_THAT(console.lines(), ElementsAre("\"Failed to move a file: stuck\""));
+    EXPECT_EQ(bytes(Folder::events, "old.log"), "onejsonsplit");
+    EXPECT_EQ(bytes(Folder::upload, "old.log"), "twojsonsplit");
+}
+
 TEST_F(FileHandlerFaultTest, PackingOntoAFullDiskLeavesTheLogsAndNothingElse) {
     const auto handler = makeFileHandler();
     put(Folder::upload, "a.log", std::string(5000, 'x'));

@@ -106,6 +106,7 @@ float FileHandler::append(std::string_view record) {
 }
 
 void FileHandler::close() {
+    appFolder_->createFolders(); // somebody may have taken one away
     if (currentLogFileName_) {
         // Opened for the sake of the repair, if this run has not written to it.
         if (!recordFile_.isOpen()) (void)recordFile_.open(currentFilePath());
@@ -124,12 +125,11 @@ void FileHandler::moveLeftovers() {
         RecordFile leftover(fileManager);
         (void)leftover.open(path);
         leftover.close();
-        auto name = item.name;
-        if (fileManager.fileExists(appFolder_->path(Folder::upload, name))) { // nothing of it is to be replaced
-            name = names_.next(".log");
-            if (!fileManager.moveItem(path, appFolder_->path(Folder::events, name))) name = item.name;
-        }
-        appFolder_->move(name, Folder::events, Folder::upload);
+        auto destination = appFolder_->path(Folder::upload, item.name);
+        if (fileManager.fileExists(destination)) // nothing of it is to be replaced
+            destination = appFolder_->path(Folder::upload, names_.next(".log"));
+        if (const auto moved = fileManager.moveItem(path, destination); !moved)
+            collaborators_.console.print({"Failed to move a file: ", moved.error().description});
     }
 }
 
