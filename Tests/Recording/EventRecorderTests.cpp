@@ -1,5 +1,6 @@
 #include "Recording/RecorderHost.h"
 #include "Storage/RelayFileManager.h"
+#include "Support/MemoryUserDefaults.h"
 #include "Support/RequestBody.h"
 
 #include "Tallyfoot/Platform/KeyedArchiver.h"
@@ -43,6 +44,43 @@ public:
 
     bool cannotList = false;
     bool cannotChange = false;
+};
+
+// Counts the writes that no synchronise has followed yet.
+class CountingDefaults final : public UserDefaults {
+public:
+    std::int64_t integer(std::string_view key) const override { return store_.integer(key); }
+    double real(std::string_view key) const override { return store_.real(key); }
+    std::optional<PropertyList> object(std::string_view key) const override { return store_.object(key); }
+
+    void setInteger(std::string_view key, std::int64_t value) override {
+        store_.setInteger(key, value);
+        count();
+    }
+    void setReal(std::string_view key, double value) override {
+        store_.setReal(key, value);
+        count();
+    }
+    void setObject(std::string_view key, const PropertyList& value) override {
+        store_.setObject(key, value);
+        count();
+    }
+    void remove(std::string_view key) override {
+        store_.remove(key);
+        count();
+    }
+    bool synchronize() override {
+        waiting = 0;
+        return store_.synchronize();
+    }
+
+    int waiting = 0;
+    int mostWaiting = 0;
+
+private:
+    void count() { mostWaiting = std::max(mostWaiting, ++waiting); }
+
+    MemoryUserDefaults store_;
 };
 
 // Tells the test whenever it is asked.
@@ -621,6 +659,20 @@ TEST(EventRecorder, TheCurrentApplicationIsStoredAtTheStartAndAtASwitch) {
     EXPECT_EQ(current(), "Shop");
     host.switchTo("Bank");
     EXPECT_EQ(current(), "Bank");
+}
+
+TEST(EventRecorder, EveryWriteToTheStoreIsFollowedByASynchronise) {
+    RecorderHost host;
+    const auto store = std::make_shared<CountingDefaults>();
+    host.services.userDefaults = store;
+    host.start();
+    host.log();
+    host.trigger();
+    host.server->answerWith("10000003");
+    host.switchTo("Bank");
+    host.settle();
+    EXPECT_EQ(store->waiting, 0);
+    EXPECT_EQ(store->mostWaiting, 1);
 }
 
 TEST(EventRecorder, ASwitchPrintsEveryKnownNamePlainly) {

@@ -34,6 +34,7 @@ std::vector<std::shared_ptr<const ApplicationInfo>> KnownApplications::list() co
 void KnownApplications::setCurrent(const ApplicationInfo& appInfo) {
     userDefaults_.setObject(storekeys::currentApplication,
                             {PropertyList::Data{archiver_.archivedData(encoded(appInfo))}});
+    userDefaults_.synchronize();
     auto known = list();
     const auto place = std::find_if(known.begin(), known.end(), withName(appInfo.appName()));
     auto entry = std::make_shared<const ApplicationInfo>(appInfo);
