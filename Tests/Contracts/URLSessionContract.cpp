@@ -106,6 +106,7 @@ TEST_P(URLSessionContract, TasksOfManyThreadsCompleteOnceEachAndOneAtATime) {
     std::atomic<int> running{0};
     {
         std::vector<std::jthread> threads;
+        threads.reserve(threadCount);
         for (int thread = 0; thread < threadCount; ++thread)
             threads.emplace_back([&] {
                 for (int task = 0; task < tasksEach; ++task)

@@ -53,7 +53,8 @@ public:
     Arrived arrived(std::size_t index) override {
         const auto request = session_.requests().at(index);
         Arrived arrived{request.method, "\r\n", bodyOf(request)};
-        for (const auto& [name, value] : request.headers) arrived.headerLines += name + ": " + value + "\r\n";
+        for (const auto& [name, value] : request.headers)
+            arrived.headerLines.append(name).append(": ").append(value).append("\r\n");
         return arrived;
     }
 
