@@ -716,21 +716,6 @@ TEST_F(TallyfootDeathTest, EventsAreRecordedUntilTheProcessEnds) {
     EXPECT_THAT(types, ElementsAre("exit handler", "static object made after", "static object made before"));
 }
 
-TEST_F(TallyfootDeathTest, AForkedChildRecordsAndItsParentToo) {
-    start();
-    Tallyfoot::log("before", {});
-    EXPECT_EXIT(
-        {
-            Tallyfoot::log("child", {});
-            std::_Exit(0);
-        },
-        ::testing::ExitedWithCode(0), "");
-    Tallyfoot::log("after", {});
-    std::vector<std::string> types;
-    for (const auto& record : records()) types.push_back(record["evtType"]);
-    EXPECT_THAT(types, ElementsAre("before", "child", "after"));
-}
-
 TEST_F(TallyfootDeathTest, AnEventTypeThatIsNoCaseIsFatal) {
     start();
     EXPECT_DEATH(Tallyfoot::log(static_cast<EventType>(9), {{LogAttribute::evtLabel, "x"}}), "EventType");

@@ -22,7 +22,9 @@
 namespace tallyfoot {
 
 // The one class through which a host switches the library on, sets it up and logs events of its
-// own: `setAppInfo` and `configure`, then `log`. Every call may come from any thread; none throws.
+// own: `setAppInfo` and `configure`, then `log`. Every call may come from any thread, also while the
+// process ends; none throws (making its arguments may, when memory runs out). Not for a child process
+// forked afterwards: a thread that the child does not have may hold a lock.
 class TALLYFOOT_EXPORT Tallyfoot {
 public:
     // Asked for the user's credentials when recording starts and whenever the server rejects the
@@ -44,8 +46,8 @@ public:
                           AuthenticationClosure authenticationClosure) noexcept;
 
     // Another appName switches the recording to that application; its logs go to a folder of their own,
-    // and what the former ones left is uploaded. The same appName again changes nothing on disk. None
-    // stops the console output; a recording that runs goes on.
+    // and what the former ones left is uploaded. The same appName again changes nothing on disk.
+    // Without one (nullptr) events are not shown; a recording that runs goes on.
     static std::shared_ptr<ApplicationInfo> appInfo() noexcept;
     static void setAppInfo(std::shared_ptr<ApplicationInfo> appInfo) noexcept;
 
