@@ -81,6 +81,14 @@ TEST_F(DatedNamesTest, TheDateOfANameIsTheMomentItWasGivenAt) {
     EXPECT_EQ(DatedNames::date("07-03-2024T14-05-09-123"), clock.now());
 }
 
+TEST_F(DatedNamesTest, NamesFollowTheDevicesLocaleAndTimeZone) {
+    ::setenv("LC_ALL", "ar_EG.UTF-8", 1); // before the process's first name
+    ::setenv("TZ", "Asia/Tokyo", 1);
+    const auto name = dated.next(".log");
+    EXPECT_EQ(name, "٠٧-٠٣-٢٠٢٤T٢٣-٠٥-٠٩-١٢٣.log");
+    EXPECT_EQ(DatedNames::date(name), clock.now());
+}
+
 TEST_F(DatedNamesTest, ANameThatIsNoDateHasNone) {
     for (const auto* name : {"", "notes.log", "07-03-2024.log", "07-03-2024T14-05-09-123x.log", ".log"}) {
         EXPECT_EQ(DatedNames::date(name), std::nullopt) << name;

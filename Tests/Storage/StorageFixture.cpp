@@ -9,6 +9,7 @@
 namespace tallyfoot::testing {
 
 StorageFixture::StorageFixture() {
+    ::setenv("LC_ALL", "C", 1); // names follow the locale
     ::setenv("TZ", "UTC", 1);
     ::setenv("XDG_DATA_HOME", support.path().c_str(), 1);
 }
