@@ -3,7 +3,7 @@
 #include "Support/Percentiles.h"
 #include "Support/Workload.h"
 
-#include "Tallyfoot/Events/Event.h"
+#include "Tallyfoot/Events/Attributes.h"
 #include "Tallyfoot/Events/FileEventFormatter.h"
 
 #include <benchmark/benchmark.h>
@@ -127,22 +127,21 @@ BENCHMARK(p99OfWrite)->Setup(emptyBareFile)->Iterations(1)->UseManualTime();
 // --- The text alone
 
 void format(benchmark::State& state) {
-    const Event event{
-        EventType::action,
-        {{LogAttribute::evtAction, "Tap"},
-         {LogAttribute::evtCategory, "UIButton"},
-         {LogAttribute::evtId, "0E984725-C51C-4BF4-9960-E1C80E27ABA0"},
-         {LogAttribute::evtLabel, "Add the selected article to the basket and carry on shopping from there"},
-         {LogAttribute::evtLclTimestamp, "2024-03-07 14:05:09 +0000"},
-         {LogAttribute::evtType, "action"},
-         {LogAttribute::screenTitle, "Article"},
-         {LogAttribute::tmspent, "12.5"},
-         {LogAttribute::userId, "user-1"},
-         {LogAttribute::window, "iOS"}}};
+    const Attributes properties{
+        {LogAttribute::evtAction, "Tap"},
+        {LogAttribute::evtCategory, "UIButton"},
+        {LogAttribute::evtId, "0E984725-C51C-4BF4-9960-E1C80E27ABA0"},
+        {LogAttribute::evtLabel, "Add the selected article to the basket and carry on shopping from there"},
+        {LogAttribute::evtLclTimestamp, "2024-03-07 14:05:09 +0000"},
+        {LogAttribute::evtType, "action"},
+        {LogAttribute::screenTitle, "Article"},
+        {LogAttribute::tmspent, "12.5"},
+        {LogAttribute::userId, "user-1"},
+        {LogAttribute::window, "iOS"}};
     const FileEventFormatter formatter;
     std::string text;
     for (auto _ : state) {
-        if (!formatter.format(event, text)) state.SkipWithError("not formatted");
+        if (!formatter.format(properties, text)) state.SkipWithError("not formatted");
         benchmark::DoNotOptimize(text.data());
     }
     state.counters["bytes"] = static_cast<double>(text.size());

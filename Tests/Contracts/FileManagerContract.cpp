@@ -337,22 +337,60 @@ TEST_P(FileHandleContract, AppendsBehindWhatOthersAppended) {
     EXPECT_EQ(text(), "start123");
 }
 
-TEST_P(FileHandleContract, StatusTellsTheSizeAfterEachAppend) {
-    EXPECT_EQ(handle().status().value().size, 5U);
+TEST_P(FileHandleContract, TellsTheSizeAfterEachAppend) {
+    EXPECT_EQ(handle().size().value(), 5U);
     ASSERT_TRUE(handle().append("12345"));
-    EXPECT_EQ(handle().status().value().size, 10U);
-    EXPECT_TRUE(handle().status().value().isLinked);
+    EXPECT_EQ(handle().size().value(), 10U);
 }
 
-TEST_P(FileHandleContract, StatusTellsThatTheFileWasRemoved) {
+TEST_P(FileHandleContract, IsInPlaceWhateverIsAppended) {
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_TRUE(handle().isInPlace());
+        ASSERT_TRUE(handle().append("more"));
+    }
+}
+
+TEST_P(FileHandleContract, IsNotInPlaceOnceRemovedButTakesAppends) {
+    EXPECT_TRUE(handle().isInPlace());
     ASSERT_TRUE(files_->removeItem(folder_ / "a"));
-    EXPECT_FALSE(handle().status().value().isLinked);
+    EXPECT_FALSE(handle().isInPlace());
+    EXPECT_FALSE(handle().isInPlace());
     EXPECT_TRUE(handle().append("goes nowhere, but does no harm"));
 }
 
-TEST_P(FileHandleContract, AMovedFileIsStillLinked) {
+TEST_P(FileHandleContract, IsNotInPlaceWhenRemovedBeforeTheFirstQuestion) {
+    ASSERT_TRUE(files_->removeItem(folder_ / "a"));
+    EXPECT_FALSE(handle().isInPlace());
+}
+
+TEST_P(FileHandleContract, IsNotInPlaceOnceRenamedUntilItComesBack) {
+    EXPECT_TRUE(handle().isInPlace());
     ASSERT_TRUE(files_->moveItem(folder_ / "a", folder_ / "b"));
-    EXPECT_TRUE(handle().status().value().isLinked);
+    EXPECT_FALSE(handle().isInPlace());
+    ASSERT_TRUE(files_->moveItem(folder_ / "b", folder_ / "a"));
+    EXPECT_TRUE(handle().isInPlace());
+    ASSERT_TRUE(files_->moveItem(folder_ / "a", folder_ / "b"));
+    EXPECT_FALSE(handle().isInPlace());
+}
+
+TEST_P(FileHandleContract, IsNotInPlaceOnceReplaced) {
+    EXPECT_TRUE(handle().isInPlace());
+    ASSERT_TRUE(files_->writeAtomically(folder_ / "a", "another file"));
+    EXPECT_FALSE(handle().isInPlace());
+}
+
+TEST_P(FileHandleContract, IsInPlaceAfterAChangeThatLeavesItsName) {
+    EXPECT_TRUE(handle().isInPlace());
+    std::filesystem::permissions(folder_ / "a", std::filesystem::perms::owner_all);
+    EXPECT_TRUE(handle().isInPlace());
+    ASSERT_TRUE(files_->removeItem(folder_ / "a"));
+    EXPECT_FALSE(handle().isInPlace());
+}
+
+TEST_P(FileHandleContract, IsNotInPlaceWithItsFolderRemoved) {
+    EXPECT_TRUE(handle().isInPlace());
+    std::filesystem::remove_all(folder_.path());
+    EXPECT_FALSE(handle().isInPlace());
 }
 
 TEST_P(FileHandleContract, ReadsFromAnyOffsetAndStopsAtTheEnd) {
@@ -375,7 +413,7 @@ TEST_P(FileHandleContract, ReadingDoesNotMoveWhereAppendsGo) {
 
 TEST_P(FileHandleContract, TruncatesAndAppendsAtTheNewEnd) {
     EXPECT_TRUE(handle().truncate(2));
-    EXPECT_EQ(handle().status().value().size, 2U);
+    EXPECT_EQ(handle().size().value(), 2U);
     EXPECT_TRUE(handle().append("op"));
     EXPECT_EQ(text(), "stop");
 }

@@ -95,7 +95,7 @@ TEST(FileEventFormatter, ReplacesIllFormedSequencesByTheirMaximalSubparts) {
 
 TEST(FileEventFormatter, ReplacesWhatTheBufferHeld) {
     std::string buffer = "left over";
-    ASSERT_TRUE(FileEventFormatter().format({EventType::action, {{LogAttribute::evtId, "1"}}}, buffer));
+    ASSERT_TRUE(FileEventFormatter().format(Attributes{{LogAttribute::evtId, "1"}}, buffer));
     EXPECT_EQ(buffer, "{\n  \"evtId\" : \"1\"\n}");
 }
 

@@ -8,13 +8,13 @@
 namespace tallyfoot {
 namespace {
 
-std::string stored(std::string line) {
-    makeStoredRecord(line);
+std::string stored(std::string line, const Attributes& properties = {{LogAttribute::custom, "any"}}) {
+    makeStoredRecord(line, properties);
     return line;
 }
 
 std::string storedEvent(const Attributes& properties) {
-    return stored(FileEventFormatter().format(Event{EventType::action, properties}).value());
+    return stored(FileEventFormatter().format(Event{EventType::action, properties}).value(), properties);
 }
 
 TEST(StoredRecord, TheSeparatorIsNineCharacters) { EXPECT_EQ(recordSeparator, "jsonsplit"); }

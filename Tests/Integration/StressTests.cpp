@@ -51,9 +51,8 @@ TEST(Stress, EveryEventIsAccountedForWhileThreadsTimersSwitchesAndABadServerRunA
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back([&, thread] {
             for (int event = 0; event < eventsOfAThread; ++event) {
-                std::string line = "{\n  \"evtId\" : \"" + std::to_string(thread) + "-" + std::to_string(event)
-                                   + "\",\n  \"evtType\" : \"action\"\n}";
-                recorder->record(line);
+                recorder->record("{\n  \"evtId\" : \"" + std::to_string(thread) + "-" + std::to_string(event)
+                                 + "\",\n  \"evtType\" : \"action\"\n}jsonsplit");
             }
         });
     std::thread switcher([&] {

@@ -54,8 +54,7 @@ EventRecorder::AuthenticationHandler RecorderHost::closure() {
 
 void RecorderHost::log(int count) {
     for (int event = 0; event < count; ++event) {
-        std::string line = nlohmann::json{{"evtLabel", std::to_string(++logged_)}}.dump();
-        recorder->record(line);
+        recorder->record(nlohmann::json{{"evtLabel", std::to_string(++logged_)}}.dump() + "jsonsplit");
     }
 }
 

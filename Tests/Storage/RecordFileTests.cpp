@@ -58,9 +58,17 @@ TEST_F(RecordFileTest, ClosingEndsIt) {
 TEST_F(RecordFileTest, AFileRemovedUnderneathIsTold) {
     writeFile(path, "");
     ASSERT_TRUE(file.open(path));
-    EXPECT_TRUE(file.append("onejsonsplit").value().isLinked);
+    EXPECT_TRUE(file.isInPlace());
     std::filesystem::remove(path);
-    EXPECT_FALSE(file.append("twojsonsplit").value().isLinked);
+    EXPECT_FALSE(file.isInPlace());
+}
+
+TEST_F(RecordFileTest, CountsItsSizeFromWhatStandsAfterTheRepair) {
+    writeFile(path, "onejsonsplittw");
+    ASSERT_TRUE(file.open(path));
+    EXPECT_EQ(file.size(), 12U);
+    ASSERT_TRUE(file.append("twojsonsplit"));
+    EXPECT_EQ(file.size(), 24U);
 }
 
 TEST_F(RecordFileTest, AWholeFileStaysAsItIs) {

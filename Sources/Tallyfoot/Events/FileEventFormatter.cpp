@@ -70,9 +70,9 @@ void render(const Attributes& properties, std::string& into) {
 
 } // namespace
 
-bool FileEventFormatter::format(const Event& event, std::string& into) const {
+bool FileEventFormatter::format(const Attributes& properties, std::string& into) const {
     try {
-        render(event.properties, into);
+        render(properties, into);
         return true;
     } catch (const std::exception&) { // no memory for so long a text
         into.clear();
@@ -82,7 +82,7 @@ bool FileEventFormatter::format(const Event& event, std::string& into) const {
 
 std::optional<std::string> FileEventFormatter::format(const Event& event) const {
     std::optional<std::string> text(std::in_place);
-    if (!format(event, *text)) text.reset();
+    if (!format(event.properties, *text)) text.reset();
     return text;
 }
 

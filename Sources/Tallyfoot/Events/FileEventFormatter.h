@@ -17,9 +17,10 @@ class FileEventFormatter final : public EventFormatter {
 public:
     std::optional<std::string> format(const Event& event) const override;
 
-    // The same into a buffer that the caller keeps: replaces its content, allocates nothing once
-    // it has grown. False when the event cannot be formatted.
-    bool format(const Event& event, std::string& into) const;
+    // The same of an event's properties, which are all that is stored of it, into a buffer that the
+    // caller keeps: replaces its content, allocates nothing once it has grown. False when they cannot
+    // be formatted.
+    bool format(const Attributes& properties, std::string& into) const;
 };
 
 } // namespace tallyfoot

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Tallyfoot/Events/Attributes.h"
+
 #include <string>
 #include <string_view>
 
@@ -8,9 +10,9 @@ namespace tallyfoot {
 // Stands behind every record in a log file; nothing else separates them.
 inline constexpr std::string_view recordSeparator = "jsonsplit";
 
-// Makes a stored record of a formatted event, in place: its custom data turned from a JSON text
-// into real JSON (`deEscapedCustomData`), then the separator. What has no usable custom data keeps
-// its layout.
-void makeStoredRecord(std::string& line);
+// Makes a stored record of the text that these properties were formatted to, in place: custom data
+// turned from a JSON text into real JSON (`deEscapedCustomData`), then the separator. What has no
+// usable custom data keeps its layout.
+void makeStoredRecord(std::string& line, const Attributes& properties);
 
 } // namespace tallyfoot

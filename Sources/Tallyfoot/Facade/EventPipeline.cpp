@@ -1,6 +1,7 @@
 #include "Tallyfoot/Facade/EventPipeline.h"
 
 #include "Tallyfoot/Events/FileEventFormatter.h"
+#include "Tallyfoot/Events/StoredRecord.h"
 #include "Tallyfoot/Events/Text.h"
 #include "Tallyfoot/Facade/LineBuffer.h"
 #include "Tallyfoot/Platform/Console.h"
@@ -45,11 +46,11 @@ bool EventPipeline::isIgnored(const Attributes& attributes, const Context& conte
     return category != nullptr && context.ignoreClasses.contains(*category);
 }
 
-void EventPipeline::log(EventType type, Attributes attributes, const std::optional<std::string>& customText) {
-    logJSON(type, std::move(attributes), customText ? std::optional<std::string_view>(*customText) : std::nullopt);
+void EventPipeline::log(EventType type, Attributes& attributes, const std::optional<std::string>& customText) {
+    logJSON(type, attributes, customText ? std::optional<std::string_view>(*customText) : std::nullopt);
 }
 
-void EventPipeline::logJSON(EventType type, Attributes attributes, std::optional<std::string_view> customText) {
+void EventPipeline::logJSON(EventType type, Attributes& attributes, std::optional<std::string_view> customText) {
     const auto context = this->context();
     if (isIgnored(attributes, *context)) return;
     if (customText) attributes.set(LogAttribute::custom, asArray(*customText));
@@ -63,7 +64,9 @@ void EventPipeline::logJSON(EventType type, Attributes attributes, std::optional
     if (!settings_.isEnabled.load(std::memory_order_relaxed) || !context->recorder) return;
 
     LineBuffer line;
-    if (FileEventFormatter().format({type, std::move(attributes)}, *line)) context->recorder->record(*line);
+    if (!FileEventFormatter().format(attributes, *line)) return;
+    makeStoredRecord(*line, attributes);
+    context->recorder->record(*line);
 }
 
 void EventPipeline::print(const Attributes& attributes, const ApplicationInfo& appInfo) const {

@@ -36,8 +36,9 @@ public:
 
     EventPipeline(const PlatformServices& services, const Settings& settings);
 
-    void log(EventType type, Attributes attributes, const std::optional<std::string>& customText);
-    void logJSON(EventType type, Attributes attributes, std::optional<std::string_view> customText);
+    // Adds to the attributes, in their place: they are large, and a move touches each of them.
+    void log(EventType type, Attributes& attributes, const std::optional<std::string>& customText);
+    void logJSON(EventType type, Attributes& attributes, std::optional<std::string_view> customText);
 
     std::shared_ptr<const Context> context() const { return context_.copy(); }
 

@@ -32,11 +32,6 @@ Value guardedValue(Block&& block) noexcept {
 
 Tallyfoot::Implementation& implementation() noexcept { return Tallyfoot::Implementation::shared(); }
 
-Attributes named(Attributes attributes, std::string_view type) {
-    attributes.set(LogAttribute::evtType, type);
-    return attributes;
-}
-
 } // namespace
 
 Tallyfoot::Tallyfoot() : implementation_(std::make_unique<Implementation>()) {}
@@ -87,21 +82,27 @@ void Tallyfoot::configureSwizzle() noexcept {
 // --- Logging ---------------------------------------------------------------------------------
 
 void Tallyfoot::log(EventType type, Attributes attributes, const CustomAttributes& customAttributes) noexcept {
-    guarded([&] { implementation().pipeline.log(type, std::move(attributes), customAttributes.text()); });
+    guarded([&] { implementation().pipeline.log(type, attributes, customAttributes.text()); });
 }
 
 void Tallyfoot::log(std::string_view type, Attributes attributes, const CustomAttributes& customAttributes) noexcept {
-    guarded([&] { log(EventType::action, named(std::move(attributes), type), customAttributes); });
+    guarded([&] {
+        attributes.set(LogAttribute::evtType, type);
+        implementation().pipeline.log(EventType::action, attributes, customAttributes.text());
+    });
 }
 
 void Tallyfoot::logJSON(EventType type, Attributes attributes,
                         std::optional<std::string_view> customJSONAttributes) noexcept {
-    guarded([&] { implementation().pipeline.logJSON(type, std::move(attributes), customJSONAttributes); });
+    guarded([&] { implementation().pipeline.logJSON(type, attributes, customJSONAttributes); });
 }
 
 void Tallyfoot::logJSON(std::string_view type, Attributes attributes,
                         std::optional<std::string_view> customJSONAttributes) noexcept {
-    guarded([&] { logJSON(EventType::action, named(std::move(attributes), type), customJSONAttributes); });
+    guarded([&] {
+        attributes.set(LogAttribute::evtType, type);
+        implementation().pipeline.logJSON(EventType::action, attributes, customJSONAttributes);
+    });
 }
 
 void Tallyfoot::logEvent(EventType type, const TextAttributes& attributes,

@@ -8,11 +8,6 @@
 
 namespace tallyfoot {
 
-struct FileStatus {
-    std::uint64_t size;
-    bool isLinked; // false once the file was removed under us
-};
-
 // An open file that grows at its end. Calls of one handle must not overlap. Apple: NSFileHandle.
 class FileHandle {
 public:
@@ -21,9 +16,11 @@ public:
     // One append of all bytes. Whole or not at all: after a failure the file ends where it did.
     virtual Result<void> append(std::string_view bytes) = 0;
 
-    // Size and links in one question to the system; asks for no times, which would make the next
-    // write dearer.
-    virtual Result<FileStatus> status() const = 0;
+    virtual Result<std::uint64_t> size() const = 0;
+
+    // Whether the path that it was opened at still leads to this file: not after it was removed,
+    // renamed or replaced under us. Cheap enough to ask before each append.
+    virtual bool isInPlace() = 0;
 
     // Reads up to buffer.size() bytes at the offset; fewer only at the end of the file.
     virtual Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const = 0;

@@ -118,10 +118,9 @@ std::shared_ptr<FileHandler> EventRecorder::makeFileHandler(std::shared_ptr<cons
         std::move(folder), isCurrent, isOnItsWay);
 }
 
-void EventRecorder::record(std::string& line) {
-    makeStoredRecord(line);
+void EventRecorder::record(std::string_view storedRecord) {
     inTurn([&] {
-        fileHandler_->write(line);
+        fileHandler_->write(storedRecord);
         const auto count = services_.userDefaults->integer(storekeys::eventCount) + 1;
         setEventCount(count);
         if (eventCountMonitor_.thresholdCount < count && eventCountMonitor_.triggerUpload)

@@ -47,9 +47,8 @@ public:
                                                AuthenticationHandler authenticationHandler);
     ~EventRecorder();
 
-    // One formatted event. On disk and counted when the call returns. The text is made into the
-    // stored record in place, so that the caller's buffer can serve again.
-    void record(std::string& line);
+    // One event as it is stored (`makeStoredRecord`). On disk and counted when the call returns.
+    void record(std::string_view storedRecord);
 
     // Closes the current file and sends what is closed. What comes while another call is at it is ignored.
     void triggerUpload();

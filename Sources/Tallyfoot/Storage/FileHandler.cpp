@@ -84,23 +84,20 @@ void FileHandler::write(std::string_view record) {
     if (const auto trigger = triggerUpload_) trigger(); // a copy: it may set another one
 }
 
+bool FileHandler::openCurrentFile() {
+    if (!ensureCurrentFileExists()) return false; // which said so
+    const auto opened = recordFile_.open(currentFilePath());
+    if (!opened) report(opened.error());
+    return static_cast<bool>(opened);
+}
+
 float FileHandler::append(std::string_view record) {
-    // A file that was removed under us took the record with it: once more, into a new one.
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        if (!recordFile_.isOpen()) {
-            if (!ensureCurrentFileExists()) break; // which said so
-            if (const auto opened = recordFile_.open(currentFilePath()); !opened) {
-                report(opened.error());
-                break;
-            }
-        }
-        const auto status = recordFile_.append(record);
-        if (status && status.value().isLinked) return static_cast<float>(status.value().size);
+    if (recordFile_.isOpen() && !recordFile_.isInPlace()) recordFile_.close(); // somebody took it away
+    if (recordFile_.isOpen() || openCurrentFile()) {
+        const auto appended = recordFile_.append(record);
+        if (appended) return static_cast<float>(recordFile_.size());
         recordFile_.close();
-        if (!status) {
-            report(status.error());
-            break;
-        }
+        report(appended.error());
     }
     return appFolder_->size(currentFilePath(), Size::bytes(1));
 }

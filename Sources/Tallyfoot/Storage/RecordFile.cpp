@@ -28,13 +28,14 @@ Result<std::uint64_t> endOfLastRecord(const FileHandle& handle, std::uint64_t si
     return std::uint64_t{0};
 }
 
-Result<void> cutOffFragment(FileHandle& handle) {
-    const auto status = handle.status();
-    if (!status) return status.error();
-    const auto size = status.value().size;
-    const auto end = endOfLastRecord(handle, size);
-    if (!end) return end.error();
-    return end.value() == size ? Result<void>() : handle.truncate(end.value());
+// Tells the size that is left.
+Result<std::uint64_t> cutOffFragment(FileHandle& handle) {
+    const auto size = handle.size();
+    if (!size) return size;
+    const auto end = endOfLastRecord(handle, size.value());
+    if (!end || end.value() == size.value()) return end;
+    if (const auto cut = handle.truncate(end.value()); !cut) return cut.error();
+    return end;
 }
 
 } // namespace
@@ -43,16 +44,21 @@ Result<void> RecordFile::open(const std::string& path) {
     auto handle = fileManager_.fileHandleForWriting(path);
     if (!handle) return handle.error();
     handle_ = std::move(handle.value());
+    if (const auto size = cutOffFragment(*handle_)) {
+        size_ = size.value();
+        return {};
+    }
     // What cannot be cut off is at least kept apart.
-    if (!cutOffFragment(*handle_)) (void)handle_->append(recordSeparator);
+    (void)handle_->append(recordSeparator);
+    const auto size = handle_->size();
+    size_ = size ? size.value() : 0;
     return {};
 }
 
-Result<FileStatus> RecordFile::append(std::string_view record) {
-    if (auto appended = handle_->append(record); !appended) return appended.error();
-    auto status = handle_->status();
-    // The record is written all the same.
-    return status ? status : Result<FileStatus>(FileStatus{.size = 0, .isLinked = true});
+Result<void> RecordFile::append(std::string_view record) {
+    auto appended = handle_->append(record);
+    if (appended) size_ += record.size();
+    return appended;
 }
 
 } // namespace tallyfoot

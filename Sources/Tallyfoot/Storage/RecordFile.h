@@ -3,13 +3,15 @@
 #include "Tallyfoot/Platform/FileHandle.h"
 #include "Tallyfoot/Platform/FileManager.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace tallyfoot {
 
-// The one growing file of records. Every call holds the recorder's turn.
+// The one growing file of records. Every call holds the recorder's turn; all but `open` and `close`
+// want it open.
 class RecordFile {
 public:
     explicit RecordFile(FileManager& fileManager) : fileManager_(fileManager) {}
@@ -20,15 +22,18 @@ public:
     // last separator, so that it never fuses with the next record.
     Result<void> open(const std::string& path);
 
-    // Whole or not at all. Tells how the file stands afterwards: two calls of the system, no
-    // allocation. The file must be open.
-    Result<FileStatus> append(std::string_view record);
+    bool isInPlace() { return handle_->isInPlace(); } // false once it was moved or removed under us
+    std::uint64_t size() const noexcept { return size_; }
+
+    // Whole or not at all: one call of the system, no allocation.
+    Result<void> append(std::string_view record);
 
     void close() noexcept { handle_.reset(); }
 
 private:
     FileManager& fileManager_;
     std::unique_ptr<FileHandle> handle_;
+    std::uint64_t size_ = 0; // counted, since nobody else writes to the file
 };
 
 } // namespace tallyfoot

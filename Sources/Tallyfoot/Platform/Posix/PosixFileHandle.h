@@ -2,18 +2,21 @@
 
 #include "Tallyfoot/Platform/FileHandle.h"
 #include "Tallyfoot/Platform/Posix/FileDescriptor.h"
+#include "Tallyfoot/Platform/Posix/FileWatch.h"
 
+#include <optional>
 #include <string>
 
 namespace tallyfoot {
 
-// A regular file opened for reading and appending. An append is one system call, a status another.
+// A regular file opened for reading and appending. An append is one system call, isInPlace another.
 class PosixFileHandle final : public FileHandle {
 public:
     PosixFileHandle(FileDescriptor descriptor, std::string path);
 
     Result<void> append(std::string_view bytes) override;
-    Result<FileStatus> status() const override;
+    Result<std::uint64_t> size() const override;
+    bool isInPlace() override;
     Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const override;
     Result<void> truncate(std::uint64_t size) override;
 
@@ -21,7 +24,8 @@ private:
     Result<void> appendRest(std::string_view bytes, std::size_t written);
 
     FileDescriptor descriptor_;
-    std::string path_; // for the texts of errors only
+    std::string path_;
+    std::optional<FileWatch> watch_; // from the first question on
 };
 
 } // namespace tallyfoot
