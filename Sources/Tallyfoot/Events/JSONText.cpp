@@ -6,6 +6,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace tallyfoot::json {
 
@@ -18,15 +20,17 @@ constexpr auto plainBytes = [] {
     return plain;
 }();
 
-constexpr std::uint64_t anyZero(std::uint64_t bytes) noexcept {
-    return (bytes - utf8::everyByte(1)) & ~bytes & utf8::everyByte(0x80);
-}
+// Sixteen bytes in one register, by the vector extension that g++ and clang++ share.
+using Block = signed char __attribute__((vector_size(16)));
 
-bool hasOnlyPlainBytes(std::uint64_t bytes) noexcept {
-    const std::uint64_t control = (bytes - utf8::everyByte(0x20)) & ~bytes;
-    const std::uint64_t special = anyZero(bytes ^ utf8::everyByte('"')) | anyZero(bytes ^ utf8::everyByte('/'))
-                                  | anyZero(bytes ^ utf8::everyByte('\\'));
-    return ((bytes | control | special) & utf8::everyByte(0x80)) == 0;
+bool hasOnlyPlainBytes(const unsigned char* at) noexcept {
+    Block block;
+    std::memcpy(&block, at, sizeof block);
+    // Signed: what is not ASCII is less than a space, too.
+    const Block other = (block < 0x20) | (block == '"') | (block == '/') | (block == '\\');
+    std::array<std::uint64_t, 2> halves;
+    std::memcpy(halves.data(), &other, sizeof other);
+    return (halves[0] | halves[1]) == 0;
 }
 
 void append(std::string& into, const unsigned char* from, const unsigned char* to) {
@@ -79,7 +83,12 @@ bool isBelowOne(std::string_view text) {
 } // namespace
 
 const unsigned char* skipPlainBytes(const unsigned char* at, const unsigned char* end) noexcept {
-    while (end - at >= 8 && hasOnlyPlainBytes(utf8::eightBytes(at))) at += 8;
+    constexpr std::ptrdiff_t blockSize = sizeof(Block);
+    if (end - at >= blockSize) {
+        while (end - at >= blockSize && hasOnlyPlainBytes(at)) at += blockSize;
+        // The rest is looked at once more with what stands before it, rather than byte by byte.
+        if (end - at < blockSize && hasOnlyPlainBytes(end - blockSize)) return end;
+    }
     while (at != end && plainBytes[*at]) ++at;
     return at;
 }
