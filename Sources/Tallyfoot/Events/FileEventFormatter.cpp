@@ -3,6 +3,7 @@
 #include "Tallyfoot/Events/JSONText.h"
 
 #include <array>
+#include <cstring>
 #include <exception>
 #include <string_view>
 
@@ -49,14 +50,37 @@ static_assert(
     }(),
     "keys go out without escaping");
 
+const Joint& jointBefore(LogAttribute key) { return joints[static_cast<std::size_t>(key)]; }
+
+// Nearly every event needs no escaping, so that its length is known beforehand. False for the others.
+bool renderPlain(const Attributes& properties, std::string& into) {
+    std::size_t size = sizeof(Joint::bytes); // they are copied whole, and their ends written over
+    properties.forEach(
+        [&](LogAttribute key, const std::string& text) { size += jointBefore(key).size + text.size(); });
+    into.resize(size);
+    char* at = into.data();
+    properties.forEach([&](LogAttribute key, const std::string& text) {
+        if (at == nullptr) return;
+        const auto& joint = jointBefore(key);
+        std::memcpy(at, joint.bytes.data(), joint.bytes.size());
+        at = json::copyPlain(at + joint.size, text);
+    });
+    if (at == nullptr) return false;
+    into.resize(static_cast<std::size_t>(at - into.data()));
+    into.replace(0, endOfValue.size(), "{");
+    into += "\"\n}";
+    return true;
+}
+
 void render(const Attributes& properties, std::string& into) {
-    into.clear();
     if (properties.empty()) {
-        into += "{\n\n}";
+        into = "{\n\n}";
         return;
     }
+    if (renderPlain(properties, into)) return;
+    into.clear();
     properties.forEach([&](LogAttribute key, const std::string& text) {
-        const auto joint = joints[static_cast<std::size_t>(key)].text();
+        const auto joint = jointBefore(key).text();
         if (into.empty()) {
             into += '{';
             into += joint.substr(endOfValue.size());

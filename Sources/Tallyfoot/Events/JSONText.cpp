@@ -93,6 +93,27 @@ const unsigned char* skipPlainBytes(const unsigned char* at, const unsigned char
     return at;
 }
 
+char* copyPlain(char* to, std::string_view text) noexcept {
+    constexpr std::size_t blockSize = sizeof(Block);
+    char* const copyEnd = to + text.size();
+    const unsigned char* at = utf8::begin(text);
+    const unsigned char* const end = utf8::end(text);
+    if (text.size() < blockSize) {
+        for (; at != end; ++at, ++to) {
+            if (!plainBytes[*at]) return nullptr;
+            *to = static_cast<char>(*at);
+        }
+        return copyEnd;
+    }
+    for (; static_cast<std::size_t>(end - at) > blockSize; at += blockSize, to += blockSize) {
+        if (!hasOnlyPlainBytes(at)) return nullptr;
+        std::memcpy(to, at, blockSize);
+    }
+    if (!hasOnlyPlainBytes(end - blockSize)) return nullptr;
+    std::memcpy(copyEnd - blockSize, end - blockSize, blockSize);
+    return copyEnd;
+}
+
 bool appendEscaped(std::string& into, std::string_view text) {
     const unsigned char* at = utf8::begin(text);
     const unsigned char* const end = utf8::end(text);

@@ -19,6 +19,10 @@ bool appendQuoted(std::string& into, std::string_view text); // the same with it
 // beyond ASCII; or the end.
 const unsigned char* skipPlainBytes(const unsigned char* at, const unsigned char* end) noexcept;
 
+// Copies a text that a string shows as it is and returns where the copy ends; nullptr when the text has
+// any other byte, and what stands at `to` is of no use then.
+char* copyPlain(char* to, std::string_view text) noexcept;
+
 void appendInteger(std::string& into, std::int64_t number);
 void appendUnsigned(std::string& into, std::uint64_t number);
 // The shortest digits that read back the same, without ".0". False, and nothing appended, unless finite.
