@@ -280,7 +280,7 @@ TEST_P(FileManagerContract, AReaderSeesTheOldFileUntilItLetsGo) {
     ASSERT_TRUE(files_->writeAtomically(folder_ / "a", "newer"));
     std::array<char, 8> buffer{};
     EXPECT_EQ(handle.value()->read(0, buffer).value(), 3U);
-    EXPECT_FALSE(handle.value()->status().value().isLinked);
+    EXPECT_FALSE(handle.value()->isInPlace());
 }
 
 TEST_P(FileManagerContract, AFileNameOfFullLengthCanBeWritten) {

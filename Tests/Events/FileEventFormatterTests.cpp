@@ -100,12 +100,12 @@ TEST(FileEventFormatter, ReplacesWhatTheBufferHeld) {
 }
 
 TEST(FileEventFormatter, AGrownBufferIsNotAllocatedAnew) {
-    const Event event{EventType::action, {{LogAttribute::evtId, std::string(300, '/')}, {LogAttribute::evtType, "x"}}};
+    const Attributes properties{{LogAttribute::evtId, std::string(300, '/')}, {LogAttribute::evtType, "x"}};
     std::string buffer;
-    ASSERT_TRUE(FileEventFormatter().format(event, buffer));
+    ASSERT_TRUE(FileEventFormatter().format(properties, buffer));
     const char* const place = buffer.data();
     const std::size_t capacity = buffer.capacity();
-    for (int again = 0; again < 10; ++again) ASSERT_TRUE(FileEventFormatter().format(event, buffer));
+    for (int again = 0; again < 10; ++again) ASSERT_TRUE(FileEventFormatter().format(properties, buffer));
     EXPECT_EQ(buffer.data(), place);
     EXPECT_EQ(buffer.capacity(), capacity);
 }

@@ -54,8 +54,9 @@ TEST_F(GeneratedAttributesTest, AreTimeIdentifierScreenTitleAndPageParent) {
 }
 
 TEST_F(GeneratedAttributesTest, AloneMakeAPrettyPrintedRecord) {
-    auto record = FileEventFormatter().format({EventType::action, generated(Date(1'700'000'000s))}).value();
-    makeStoredRecord(record);
+    const auto attributes = generated(Date(1'700'000'000s));
+    auto record = FileEventFormatter().format({EventType::action, attributes}).value();
+    makeStoredRecord(record, attributes);
     EXPECT_EQ(record, "{\n"
                       "  \"evtId\" : \"00000000-0000-4000-8000-000000000001\",\n"
                       "  \"evtLclTimestamp\" : \"2023-11-14 22:13:20 +0000\",\n"

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <limits>
 #include <utility>
 
 namespace tallyfoot::testing {
@@ -173,6 +174,16 @@ TEST(EventRecorder, TheEventAfterATriggerDoesNotTriggerAgain) {
     host.settle();
     EXPECT_EQ(host.server->requests().size(), 1U);
     EXPECT_EQ(host.eventCount(), 1);
+}
+
+TEST(EventRecorder, AStoredCountOfTheLargestNumberIsOneMoreThanAnyThreshold) {
+    RecorderHost host({.eventsCount = 10});
+    host.start();
+    host.services.userDefaults->setInteger("EventCount", std::numeric_limits<std::int64_t>::max());
+    host.log();
+    EXPECT_EQ(host.eventCount(), 0);
+    host.settle();
+    EXPECT_EQ(host.server->waiting(), 1U);
 }
 
 TEST(EventRecorder, ATriggerClosesTheFileResetsTheCountAndNotesTheTime) {

@@ -29,8 +29,10 @@ protected:
 TEST_F(RecordFileTest, RecordsFollowOneAnotherAndTheSizeIsTold) {
     writeFile(path, "");
     ASSERT_TRUE(file.open(path));
-    EXPECT_EQ(file.append("onejsonsplit").value().size, 12U);
-    EXPECT_EQ(file.append("twojsonsplit").value().size, 24U);
+    ASSERT_TRUE(file.append("onejsonsplit"));
+    EXPECT_EQ(file.size(), 12U);
+    ASSERT_TRUE(file.append("twojsonsplit"));
+    EXPECT_EQ(file.size(), 24U);
     EXPECT_EQ(readFile(path), "onejsonsplittwojsonsplit");
 }
 

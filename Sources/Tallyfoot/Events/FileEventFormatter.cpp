@@ -55,8 +55,7 @@ const Joint& jointBefore(LogAttribute key) { return joints[static_cast<std::size
 // Nearly every event needs no escaping, so that its length is known beforehand. False for the others.
 bool renderPlain(const Attributes& properties, std::string& into) {
     std::size_t size = sizeof(Joint::bytes); // they are copied whole, and their ends written over
-    properties.forEach(
-        [&](LogAttribute key, const std::string& text) { size += jointBefore(key).size + text.size(); });
+    properties.forEach([&](LogAttribute key, const std::string& text) { size += jointBefore(key).size + text.size(); });
     into.resize(size);
     char* at = into.data();
     properties.forEach([&](LogAttribute key, const std::string& text) {

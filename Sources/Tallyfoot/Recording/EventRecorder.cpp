@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <utility>
 
 namespace tallyfoot {
@@ -121,7 +122,8 @@ std::shared_ptr<FileHandler> EventRecorder::makeFileHandler(std::shared_ptr<cons
 void EventRecorder::record(std::string_view storedRecord) {
     inTurn([&] {
         fileHandler_->write(storedRecord);
-        const auto count = services_.userDefaults->integer(storekeys::eventCount) + 1;
+        const auto former = services_.userDefaults->integer(storekeys::eventCount);
+        const auto count = former + (former < std::numeric_limits<std::int64_t>::max() ? 1 : 0);
         setEventCount(count);
         if (eventCountMonitor_.thresholdCount < count && eventCountMonitor_.triggerUpload)
             eventCountMonitor_.triggerUpload();
@@ -137,13 +139,17 @@ void EventRecorder::triggerUpload() {
     if (isUploading_.exchange(true)) return;
     std::shared_ptr<FileHandler> fileHandler;
     inTurn([&] {
+        // Within the turn, so that whatever is recorded next may trigger again; also after a failure.
+        struct End {
+            std::atomic<bool>& isUploading;
+            ~End() { isUploading = false; }
+        } const end{isUploading_};
         fileHandler_->close();
         setEventCount(0);
         frequencyMonitor_->restart();
         services_.userDefaults->setReal(storekeys::eventLastUpload, timeIntervalSince1970(services_.clock->now()));
         services_.userDefaults->synchronize();
         fileHandler = fileHandler_;
-        isUploading_ = false; // within the turn, so that whatever is recorded next may trigger again
     });
     submitUpload(std::move(fileHandler));
 }

@@ -75,7 +75,7 @@ public:
 private:
     void restoreArchives(const std::function<bool(std::string_view)>& isInFlight);
     void chooseCurrentFile();
-    bool ensureCurrentFileExists();        // says so if it could not be made
+    bool ensureCurrentFileExists(); // says so if it could not be made
     bool openCurrentFile();
     float append(std::string_view record); // the file's size afterwards
     void moveLeftovers();

@@ -60,8 +60,10 @@ bool PosixFileHandle::isInPlace() {
     watch_.emplace(descriptor_.number()); // before the look, so that nothing falls in between
     struct stat opened {};
     struct stat found {};
-    return ::fstat(descriptor_.number(), &opened) == 0 && ::stat(path_.c_str(), &found) == 0
-           && opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
+    const bool isInPlace = ::fstat(descriptor_.number(), &opened) == 0 && ::stat(path_.c_str(), &found) == 0
+                           && opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
+    if (!isInPlace) watch_.reset();
+    return isInPlace;
 }
 
 Result<std::size_t> PosixFileHandle::read(std::uint64_t offset, std::span<char> buffer) const {

@@ -25,7 +25,7 @@ private:
 
     FileDescriptor descriptor_;
     std::string path_;
-    std::optional<FileWatch> watch_; // from the first question on
+    std::optional<FileWatch> watch_; // while it is in place, from the first question on
 };
 
 } // namespace tallyfoot
