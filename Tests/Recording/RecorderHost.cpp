@@ -35,6 +35,8 @@ RecorderHost::RecorderHost(Options options)
     configuration->setUploadPath("http://127.0.0.1:1/upload");
 }
 
+RecorderHost::~RecorderHost() { settle(); }
+
 void RecorderHost::start() { start(application(appName)); }
 
 void RecorderHost::start(std::shared_ptr<ApplicationInfo> appInfo) {

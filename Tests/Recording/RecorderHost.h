@@ -32,6 +32,7 @@ public:
     RecorderHost() : RecorderHost(Options{}) {}
 
     explicit RecorderHost(Options options);
+    ~RecorderHost(); // settles: a block that waits would hold its recorder for ever
 
     void start(); // makes the recorder, as a first start or the next
     void start(std::shared_ptr<ApplicationInfo> appInfo);
