@@ -1,4 +1,5 @@
 #include "Tallyfoot/Platform/Posix/ExitGate.h"
+#include "Tallyfoot/Platform/Posix/PosixURLSession.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <future>
 #include <thread>
+#include <utility>
 
 namespace tallyfoot::testing {
 namespace {
@@ -47,6 +49,23 @@ TEST(ExitGate, AForkedChildEndsWithoutWaitingForThreadsThatItDoesNotHave) {
     }
     leave.set_value();
     EXPECT_TRUE(wasQuick);
+}
+
+TEST(ExitGate, TheProcessMayEndWhileItsFirstRequestBegins) {
+    for (int round = 0; round < 100; ++round) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            static auto& session = *new PosixURLSession;
+            URLRequest request;
+            request.url = "https://127.0.0.1:1/";
+            session.dataTask(std::move(request), [](const Result<std::string>&) {});
+            for (int turn = 0; turn < round * 20; ++turn) std::this_thread::yield();
+            std::exit(0);
+        }
+        int status = -1;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_EQ(status, 0) << "in round " << round;
+    }
 }
 
 } // namespace

@@ -29,7 +29,8 @@ struct Finished {
     Result<std::string> outcome;
 };
 
-// The first session pays for setting up libcurl and TLS, on its own thread.
+// Once, by the maker of the first session: were it left to the session's own thread, the process might
+// end in the middle, with TLS half set up and the gate not yet there.
 bool setUpCurl() {
     static const bool isSetUp = [] {
         if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) return false;
@@ -233,7 +234,7 @@ private:
     std::vector<CurlHandle> idle_;
 };
 
-PosixURLSession::PosixURLSession() : worker_(std::make_shared<Worker>()) {}
+PosixURLSession::PosixURLSession() : worker_(std::make_shared<Worker>()) { (void)setUpCurl(); }
 
 PosixURLSession::~PosixURLSession() { worker_->stop(); }
 
