@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -714,6 +715,21 @@ TEST_F(TallyfootDeathTest, EventsAreRecordedUntilTheProcessEnds) {
     std::vector<std::string> types;
     for (const auto& record : records()) types.push_back(record["evtType"]);
     EXPECT_THAT(types, ElementsAre("exit handler", "static object made after", "static object made before"));
+}
+
+TEST_F(TallyfootDeathTest, TheTraceOfAHostWithoutStandardOutputIsInNoFile) {
+    EXPECT_EXIT(
+        {
+            ::close(STDOUT_FILENO);
+            Tallyfoot::setShowOutput(true);
+            start();
+            Tallyfoot::log("a", {});
+            Tallyfoot::log("b", {});
+            std::_Exit(0);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_THAT(stored(), Not(HasSubstr("****")));
+    EXPECT_THAT(records(), SizeIs(2));
 }
 
 TEST_F(TallyfootDeathTest, AnEventTypeThatIsNoCaseIsFatal) {

@@ -2,8 +2,12 @@
 #include "Support/ScriptedServer.h"
 
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <cstdlib>
@@ -64,6 +68,27 @@ TEST_F(PosixURLSessionTest, SendsALargeBodyWholeAndWithoutAskingForLeave) {
     const auto seen = server.request(0);
     EXPECT_TRUE(seen.body == body);
     EXPECT_EQ(seen.head.find("Expect"), std::string::npos) << seen.head;
+}
+
+TEST_F(PosixURLSessionTest, ItsConnectionIsNoStandardStreamThatTheHostHasClosed) {
+    constexpr std::array streams{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+    std::array<int, 3> kept{};
+    std::transform(streams.begin(), streams.end(), kept.begin(), ::dup);
+    for (const int stream : streams) ::close(stream);
+    const auto answer = host.fetch(post(server.url()));
+    int connections = 0;
+    for (const int stream : streams) {
+        sockaddr_in peer{};
+        socklen_t length = sizeof peer;
+        const bool hasPeer = ::getpeername(stream, reinterpret_cast<sockaddr*>(&peer), &length) == 0;
+        if (hasPeer && ntohs(peer.sin_port) == server.port()) ++connections;
+    }
+    for (std::size_t place = 0; place < streams.size(); ++place) {
+        ::dup2(kept[place], streams[place]);
+        ::close(kept[place]);
+    }
+    expectBody(answer, "{}");
+    EXPECT_EQ(connections, 0);
 }
 
 TEST_F(PosixURLSessionTest, LeavesOutAHeaderThatWouldAddAnother) {

@@ -2,12 +2,15 @@
 
 #include "Tallyfoot/Storage/Archive.h"
 
+#include <unistd.h>
 #include <zip.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 namespace tallyfoot::testing {
 namespace {
@@ -315,6 +318,25 @@ TEST_F(ArchiveTest, AnEncryptedEntryFails) {
 TEST_F(ArchiveTest, ATargetThatCannotBeWrittenFails) {
     writeArchive(archive, {{"a.log", "1"}});
     EXPECT_FALSE(Archive::unpack(fileManager, archive, folder / "none/"));
+}
+
+TEST_F(ArchiveTest, WhatGoesToAClosedStandardOutputIsInNoArchive) {
+    const auto paths = makeLogs(std::vector<std::string>(100, std::string(20'000, 'a')));
+    EXPECT_EXIT(
+        {
+            ::close(STDOUT_FILENO);
+            std::atomic<bool> isDone = false;
+            std::thread writer([&] {
+                while (!isDone) (void)!::write(STDOUT_FILENO, "trace", 5);
+            });
+            const bool isPacked = bool(Archive::pack(paths, archive));
+            isDone = true;
+            writer.join();
+            std::_Exit(isPacked ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(readFile(archive).find("trace"), std::string::npos);
+    EXPECT_EQ(unpack().value().size(), 100U);
 }
 
 // libzip's way to a file draws random bytes from a library that is torn down by an exit handler.

@@ -1,5 +1,6 @@
 #include "Tallyfoot/Storage/ArchiveSink.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -14,6 +15,19 @@ namespace {
 struct Closing {
     void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
 };
+
+using File = std::unique_ptr<std::FILE, Closing>;
+
+// Under no number of a standard stream that the host has closed: what is meant for the stream would
+// get into the archive.
+File openNew(const std::filesystem::path& path) {
+    std::array<File, 3> placeholders;
+    for (auto& placeholder : placeholders) {
+        placeholder.reset(std::fopen("/dev/null", "re"));
+        if (!placeholder || ::fileno(placeholder.get()) > 2) break;
+    }
+    return File(std::fopen(path.c_str(), "wbxe"));
+}
 
 class ArchiveSink {
 public:
@@ -44,7 +58,7 @@ private:
     }
 
     zip_int64_t begin() {
-        file_.reset(std::fopen(path_.c_str(), "wbxe"));
+        file_ = openNew(path_);
         if (!file_) return failure(ZIP_ER_OPEN, errno);
         constexpr auto mine = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
         std::error_code ignored;
@@ -84,7 +98,7 @@ private:
     }
 
     const std::filesystem::path path_; // as one, so that no callback allocates: nothing may be thrown through libzip
-    std::unique_ptr<std::FILE, Closing> file_;
+    File file_;
     zip_error_t error_;
 };
 

@@ -1,6 +1,9 @@
 #include "Tallyfoot/Platform/Posix/CurlTransfer.h"
 
+#include "Tallyfoot/Platform/Posix/FileDescriptor.h"
 #include "Tallyfoot/Platform/Posix/HTTPAddress.h"
+
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -31,6 +34,10 @@ void setTrustedCertificates(CURL* handle) {
         curl_easy_setopt(handle, CURLOPT_CAINFO, file);
     if (const char* folder = std::getenv("SSL_CERT_DIR"); folder != nullptr && *folder != '\0')
         curl_easy_setopt(handle, CURLOPT_CAPATH, folder);
+}
+
+curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) noexcept {
+    return FileDescriptor(::socket(address->family, address->socktype, address->protocol)).release();
 }
 
 } // namespace
@@ -82,6 +89,7 @@ void CurlTransfer::setOptions() {
     curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, 2L);
     setTrustedCertificates(curl);
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, &openSocket);
     // Silence is measured by the session, to the millisecond and whatever the phase; libcurl's own
     // limits must only not be shorter.
     curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, static_cast<long>(request_.timeout.count()) + 1);

@@ -4,12 +4,13 @@
 
 namespace tallyfoot {
 
-// An open file that is closed with its owner.
+// An open file that is closed with its owner. Never under the number of a standard stream that the
+// host has closed: what is meant for the stream, our own trace for one, would get into the file.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
 
-    explicit FileDescriptor(int number) : number_(number) {}
+    explicit FileDescriptor(int number);
 
     FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
 
