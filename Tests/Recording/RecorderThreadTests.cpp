@@ -1,5 +1,6 @@
 #include "Recording/RecorderHost.h"
 
+#include "Tallyfoot/Events/StoredRecord.h"
 #include "Tallyfoot/Platform/URLSession.h"
 
 #include <gmock/gmock.h>
@@ -75,6 +76,7 @@ protected:
     void log() {
         const auto label = std::to_string(++logged);
         std::string line = nlohmann::json{{"evtLabel", label}}.dump();
+        makeStoredRecord(line, {});
         host.recorder->record(line);
     }
 

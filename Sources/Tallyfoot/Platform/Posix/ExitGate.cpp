@@ -4,8 +4,10 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <memory>
 
 namespace tallyfoot {
 
@@ -20,9 +22,13 @@ struct Gate {
     bool isClosed TALLYFOOT_GUARDED_BY(mutex) = false;
 };
 
+// A forked child has none of the threads, and may have the mutex as one of them held it: it begins anew.
 Gate& gate() {
-    static auto& gate = *new Gate;
-    return gate;
+    static std::atomic<Gate*> current = new Gate;
+    Gate* gate = current;
+    if (gate->process == ::getpid()) return *gate;
+    auto mine = std::make_unique<Gate>();
+    return current.compare_exchange_strong(gate, mine.get()) ? *mine.release() : *gate;
 }
 
 thread_local bool isInside = false;
@@ -30,8 +36,6 @@ thread_local bool isInside = false;
 // A call under way is short. One that is not, or that crashed, does not keep the process alive.
 void close() {
     auto& gate = tallyfoot::gate();
-    // A forked child has none of the threads, but may have the mutex as one of them held it.
-    if (::getpid() != gate.process) return;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(250);
     MutexLock lock(gate.mutex);
     gate.isClosed = true;
