@@ -393,6 +393,41 @@ TEST_P(FileHandleContract, IsNotInPlaceWithItsFolderRemoved) {
     EXPECT_FALSE(handle().isInPlace());
 }
 
+TEST_P(FileHandleContract, IsNotInPlaceOnceAFolderAboveIsRenamed) {
+    writeFile(folder_ / "top/inner/a", "1");
+    auto handle = files_->fileHandleForWriting(folder_ / "top/inner/a");
+    ASSERT_TRUE(handle);
+    EXPECT_TRUE(handle.value()->isInPlace());
+    ASSERT_TRUE(files_->moveItem(folder_ / "top/inner", folder_ / "top/aside"));
+    EXPECT_FALSE(handle.value()->isInPlace());
+    ASSERT_TRUE(files_->moveItem(folder_ / "top/aside", folder_ / "top/inner"));
+    EXPECT_TRUE(handle.value()->isInPlace());
+    ASSERT_TRUE(files_->moveItem(folder_ / "top", folder_ / "aside"));
+    EXPECT_FALSE(handle.value()->isInPlace());
+}
+
+TEST_P(FileHandleContract, IsNotInPlaceOnceItsFolderIsReplaced) {
+    writeFile(folder_ / "inner/a", "1");
+    writeFile(folder_ / "other/a", "2");
+    auto handle = files_->fileHandleForWriting(folder_ / "inner/a");
+    ASSERT_TRUE(handle);
+    EXPECT_TRUE(handle.value()->isInPlace());
+    ASSERT_TRUE(files_->moveItem(folder_ / "inner", folder_ / "aside"));
+    ASSERT_TRUE(files_->moveItem(folder_ / "other", folder_ / "inner"));
+    EXPECT_FALSE(handle.value()->isInPlace());
+}
+
+TEST_P(FileHandleContract, IsInPlaceWhateverHappensToAnotherNameOfTheFile) {
+    EXPECT_TRUE(handle().isInPlace());
+    std::filesystem::create_hard_link(folder_ / "a", folder_ / "b");
+    EXPECT_TRUE(handle().isInPlace());
+    ASSERT_TRUE(files_->removeItem(folder_ / "b"));
+    EXPECT_TRUE(handle().isInPlace());
+    std::filesystem::create_hard_link(folder_ / "a", folder_ / "b");
+    ASSERT_TRUE(files_->removeItem(folder_ / "a"));
+    EXPECT_FALSE(handle().isInPlace());
+}
+
 TEST_P(FileHandleContract, ReadsFromAnyOffsetAndStopsAtTheEnd) {
     std::array<char, 3> buffer{};
     EXPECT_EQ(handle().read(1, buffer).value(), 3U);

@@ -69,6 +69,23 @@ TEST(PosixFileHandle, AFailedTruncateIsReported) {
     EXPECT_EQ(readFile(folder / "a"), "0123456789");
 }
 
+TEST(PosixFileHandle, LooksForItsFileEachTimeWhereTheSystemHasNoWatchToGive) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "");
+    PosixFileManager files;
+    auto handle = files.fileHandleForWriting(folder / "a");
+    ASSERT_TRUE(handle);
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none{0, limit.rlim_max}; // a watch is an open file, too
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_TRUE(handle.value()->isInPlace());
+    EXPECT_TRUE(handle.value()->isInPlace());
+    EXPECT_TRUE(files.removeItem(folder / "a"));
+    EXPECT_FALSE(handle.value()->isInPlace());
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+}
+
 TEST(PosixFileManager, AWriteThatDoesNotFitKeepsTheOldFileAndLeavesNothingBeside) {
     TemporaryFolder folder;
     writeFile(folder / "a", "old");

@@ -263,6 +263,16 @@ TEST_F(FileHandlerTest, ARecordSurvivesTheRemovalOfTheWholeTree) {
                 ElementsAre("\"File created at path: file://" + path(Folder::events, firstName) + "\""));
 }
 
+TEST_F(FileHandlerTest, ARecordStaysInTheTreeWhenTheFormerOneIsMovedAway) {
+    const auto handler = makeFileHandler();
+    handler->write("onejsonsplit");
+    handler->write("twojsonsplit");
+    fs::rename(support / "Tallyfoot/Shop", support / "aside");
+    handler->write("threejsonsplit");
+    EXPECT_EQ(readFile(support / ("aside/Events/"s + firstName)), "onejsonsplittwojsonsplit");
+    EXPECT_EQ(bytes(Folder::events, firstName), "threejsonsplit");
+}
+
 // ---- other applications ----
 
 TEST_F(FileHandlerTest, AFormerApplicationsHandlerChoosesAndAnnouncesNothing) {

@@ -87,8 +87,12 @@ void FileHandler::write(std::string_view record) {
 bool FileHandler::openCurrentFile() {
     if (!ensureCurrentFileExists()) return false; // which said so
     const auto opened = recordFile_.open(currentFilePath());
-    if (!opened) report(opened.error());
-    return static_cast<bool>(opened);
+    if (!opened) {
+        report(opened.error());
+        return false;
+    }
+    (void)recordFile_.isInPlace(); // the first question takes longer and allocates; no later record is to pay for it
+    return true;
 }
 
 float FileHandler::append(std::string_view record) {

@@ -1,18 +1,39 @@
 #include "Tallyfoot/Platform/Posix/FileWatch.h"
 
+#include "Tallyfoot/Platform/Posix/DetachedThread.h"
+
 #include <sys/inotify.h>
 #include <sys/ioctl.h>
 
-#include <string>
+#include <exception>
+#include <memory>
+#include <utility>
 
 namespace tallyfoot {
 
-FileWatch::FileWatch(int file) : events_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+FileWatch::FileWatch(int file, const std::string& path) : events_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
     if (!events_) return;
     // The open file itself, whatever its path leads to by now. A removed name shows in the file's
     // attributes, because its count of links is one of them.
-    const auto path = "/proc/self/fd/" + std::to_string(file);
-    if (::inotify_add_watch(events_.number(), path.c_str(), IN_ATTRIB | IN_MOVE_SELF) < 0) events_ = FileDescriptor();
+    const auto opened = "/proc/self/fd/" + std::to_string(file);
+    if (::inotify_add_watch(events_.number(), opened.c_str(), IN_ATTRIB | IN_MOVE_SELF) < 0) {
+        events_ = FileDescriptor();
+        return;
+    }
+    // A folder with a file in it is not removed, but it may be moved away with it.
+    for (auto slash = path.rfind('/'); slash != path.npos && slash > 0; slash = path.rfind('/', slash - 1))
+        (void)::inotify_add_watch(events_.number(), path.substr(0, slash).c_str(), IN_MOVE_SELF);
+}
+
+FileWatch::~FileWatch() {
+    if (!events_) return;
+    // The close waits for the system's processors to let go of the watches, often for ten milliseconds
+    // and more. Whoever ends a log file holds the turn that log calls are waiting for.
+    try {
+        auto events = std::make_shared<FileDescriptor>(std::move(events_));
+        (void)startDetachedThread("FileWatch", [events = std::move(events)]() mutable { events.reset(); });
+    } catch (const std::exception&) { // no memory for a thread: closed already
+    }
 }
 
 bool FileWatch::isQuiet() const noexcept {

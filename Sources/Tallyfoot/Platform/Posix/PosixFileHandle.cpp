@@ -57,7 +57,7 @@ Result<std::uint64_t> PosixFileHandle::size() const {
 
 bool PosixFileHandle::isInPlace() {
     if (watch_ && watch_->isQuiet()) return true;
-    watch_.emplace(descriptor_.number()); // before the look, so that nothing falls in between
+    watch_.emplace(descriptor_.number(), path_); // before the look, so that nothing falls in between
     struct stat opened {};
     struct stat found {};
     const bool isInPlace = ::fstat(descriptor_.number(), &opened) == 0 && ::stat(path_.c_str(), &found) == 0
