@@ -10,9 +10,6 @@ namespace tallyfoot::collector {
 
 namespace {
 
-// An entry that claims to be larger is not unpacked: a small archive must not fill the memory.
-constexpr std::size_t largestEntry = std::size_t{256} << 20U;
-
 using Archive = std::unique_ptr<zip_t, decltype(&zip_discard)>;
 using EntryFile = std::unique_ptr<zip_file_t, decltype(&zip_fclose)>;
 
@@ -31,7 +28,7 @@ Result<Archive> open(std::string_view bytes) {
 }
 
 // Reading to the very end makes the library compare the checksum.
-void readBytes(zip_t* archive, zip_uint64_t index, ArchiveEntry& entry) {
+void readBytes(zip_t* archive, zip_uint64_t index, std::size_t& room, ArchiveEntry& entry) {
     const EntryFile file(zip_fopen_index(archive, index, 0), &zip_fclose);
     if (!file) {
         entry.error = zip_strerror(archive);
@@ -42,15 +39,16 @@ void readBytes(zip_t* archive, zip_uint64_t index, ArchiveEntry& entry) {
         const auto count = zip_fread(file.get(), buffer.data(), buffer.size());
         if (count < 0) entry.error = zip_file_strerror(file.get());
         if (count <= 0) return;
-        entry.bytes.append(buffer.data(), static_cast<std::size_t>(count));
-        if (entry.bytes.size() > largestEntry) {
-            entry.error = "larger than 256 MiB";
+        if (static_cast<std::size_t>(count) > room) {
+            entry.error = "the archive unpacks to more than is taken";
             return;
         }
+        room -= static_cast<std::size_t>(count);
+        entry.bytes.append(buffer.data(), static_cast<std::size_t>(count));
     }
 }
 
-ArchiveEntry readEntry(zip_t* archive, zip_uint64_t index) {
+ArchiveEntry readEntry(zip_t* archive, zip_uint64_t index, std::size_t& room) {
     ArchiveEntry entry;
     zip_stat_t facts;
     zip_stat_init(&facts);
@@ -61,22 +59,23 @@ ArchiveEntry readEntry(zip_t* archive, zip_uint64_t index) {
     }
     if ((facts.valid & ZIP_STAT_COMP_METHOD) != 0) entry.method = facts.comp_method;
     entry.encrypted = (facts.valid & ZIP_STAT_ENCRYPTION_METHOD) != 0 && facts.encryption_method != ZIP_EM_NONE;
-    readBytes(archive, index, entry);
+    readBytes(archive, index, room, entry);
     return entry;
 }
 
 } // namespace
 
-Result<std::vector<ArchiveEntry>> readArchive(std::string_view bytes) {
+Result<std::vector<ArchiveEntry>> readArchive(std::string_view bytes, std::size_t largestContent) {
     // The library takes nothing at all for an archive without entries.
     if (bytes.empty()) return Error{"empty"};
     auto opened = open(bytes);
     if (!opened) return opened.error();
     zip_t* archive = opened.value().get();
     std::vector<ArchiveEntry> entries;
+    auto room = std::max(largestContent, bytes.size());
     const auto count = zip_get_num_entries(archive, 0);
     for (zip_int64_t index = 0; index < count; ++index) {
-        entries.push_back(readEntry(archive, static_cast<zip_uint64_t>(index)));
+        entries.push_back(readEntry(archive, static_cast<zip_uint64_t>(index), room));
     }
     return entries;
 }

@@ -148,5 +148,25 @@ TEST(ArchiveReader, RefusesNamesThatLeaveTheFolder) {
     EXPECT_TRUE(isPlainFileName("07-03-2024T14-05-09-123.log"));
 }
 
+TEST(ArchiveReader, UnpacksNoMoreThanItIsAllowedFromAllEntriesTogether) {
+    const std::string zeros(60000, '0');
+    const auto bytes = testing::archive({{"a.log", zeros}, {"b.log", zeros}, {"c.log", "{}"}}, true);
+    const auto entries = readArchive(bytes, 100000);
+    ASSERT_TRUE(entries);
+    EXPECT_EQ(entries.value().at(0).error, "");
+    EXPECT_EQ(entries.value().at(0).bytes, zeros);
+    EXPECT_EQ(entries.value().at(1).error, "the archive unpacks to more than is taken");
+    EXPECT_LE(entries.value().at(1).bytes.size(), 40000U);
+    EXPECT_EQ(entries.value().at(2).bytes, "{}");
+}
+
+TEST(ArchiveReader, AnArchiveOfStoredEntriesIsReadWhateverItsSize) {
+    const std::string log(5000, '0');
+    const auto entries = readArchive(testing::archive({{"a.log", log}, {"b.log", log}}), 1);
+    ASSERT_TRUE(entries);
+    EXPECT_EQ(entries.value().at(0).error, "");
+    EXPECT_EQ(entries.value().at(1).bytes, log);
+}
+
 } // namespace
 } // namespace tallyfoot::collector
