@@ -8,6 +8,10 @@ namespace {
 
 using nlohmann::ordered_json;
 
+std::string rendered(const ordered_json& answer) {
+    return answer.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+}
+
 std::string body(const ordered_json& statusCode, std::string_view information, std::string_view filename,
                  const std::vector<std::string>& success, const std::vector<std::string>& failure) {
     const ordered_json response{{"statusCode", statusCode},
@@ -15,8 +19,7 @@ std::string body(const ordered_json& statusCode, std::string_view information, s
                                 {"filename", filename},
                                 {"success", success},
                                 {"failure", failure}};
-    return ordered_json{{"data", {{"response", response}}}}.dump(-1, ' ', false,
-                                                                 ordered_json::error_handler_t::replace);
+    return rendered({{"data", {{"response", response}}}});
 }
 
 void fillFailure(const CheckedUpload& upload, int httpStatus, const std::string& reason, Answer& answer) {
@@ -47,7 +50,7 @@ void fillStatusAnswer(const CheckedUpload& upload, const Fault& fault, Answer& a
         auto parsed = ordered_json::parse(answer.body);
         parsed["data"]["response"]["statusCode"] = fault.statusCode;
         parsed["data"]["response"]["statusCodeInfo"] = "Told to answer so";
-        answer.body = parsed.dump();
+        answer.body = rendered(parsed);
     }
     answer.statusCode = fault.statusCode;
 }

@@ -1,9 +1,8 @@
 #include "Collector/CollectorServer.h"
 
 #include "Collector/ExpectRequest.h"
+#include "Collector/JSONInput.h"
 #include "Collector/JSONText.h"
-
-#include <nlohmann/json.hpp>
 
 #include <charconv>
 
@@ -71,9 +70,8 @@ EventFilter filterOf(const httplib::Request& request) {
     if (request.has_param("after")) {
         const auto value = request.get_param_value("after");
         const auto* end = value.data() + value.size();
-        if (std::from_chars(value.data(), end, filter.after).ptr != end || value.empty()) {
-            throw std::invalid_argument("after is an event's id");
-        }
+        const auto read = std::from_chars(value.data(), end, filter.after);
+        if (read.ec != std::errc() || read.ptr != end) throw std::invalid_argument("after is an event's id");
     }
     filter.accepted = truthParameter(request, "accepted");
     filter.duplicate = truthParameter(request, "duplicate");
@@ -102,6 +100,7 @@ Result<int> CollectorServer::start() {
     if (port < 0) {
         return Error{"cannot listen on " + options_.host + " port " + std::to_string(options_.port)};
     }
+    server_.lengthenBacklog();
     thread_ = std::thread([this] { server_.listen_after_bind(); });
     // It can be stopped only once it runs; clients are queued by the kernel already.
     while (!server_.is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -176,7 +175,7 @@ void CollectorServer::answerExpect(const httplib::Request& request, httplib::Res
 }
 
 void CollectorServer::answerFaults(const httplib::Request& request, httplib::Response& response) {
-    const auto description = json::parse(request.body, nullptr, false);
+    const auto description = parsedInput(request.body);
     if (!description.is_object()) return answerError(response, 400, "a JSON object is expected");
     std::vector<Fault> faults;
     const auto list = description.value("faults", json::array());
@@ -186,12 +185,10 @@ void CollectorServer::answerFaults(const httplib::Request& request, httplib::Res
         if (!parsed) return answerError(response, 400, parsed.error().description);
         faults.insert(faults.end(), parsed.value().begin(), parsed.value().end());
     }
+    std::optional<std::uint64_t> seed;
+    if (description.contains("random")) seed = wholeNumber<std::uint64_t>(description["random"]);
     if (description.value("clear", false)) faults_.clear();
-    const auto random = description.find("random");
-    if (random != description.end()) {
-        if (!random->is_number_unsigned()) return answerError(response, 400, "\"random\" is a seed");
-        faults_.chooseAtRandom(random->get<std::uint64_t>());
-    }
+    if (seed) faults_.chooseAtRandom(*seed);
     faults_.append(faults);
     answerJSON(response, {{"queued", faults_.size()}});
 }

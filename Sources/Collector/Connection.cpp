@@ -15,6 +15,7 @@ namespace tallyfoot::collector {
 namespace {
 
 constexpr std::chrono::seconds patience{60}; // with a peer in the middle of a request or an answer
+constexpr std::size_t largestHead = std::size_t{256} << 10U;
 
 void describe(const sockaddr_storage& address, std::string& ip, int& port) {
     std::array<char, INET6_ADDRSTRLEN> text{};
@@ -60,6 +61,7 @@ bool Connection::waitForRequest(std::chrono::milliseconds time) {
 
 void Connection::beginRequest() {
     head_.clear();
+    headBegan_ = std::chrono::steady_clock::now();
     inHead_ = true;
     onLostAnswer_ = nullptr;
 }
@@ -72,7 +74,15 @@ bool Connection::is_readable() const { return bufferStart_ < bufferEnd_ || waitF
 
 bool Connection::is_writable() const { return ending_ == Ending::open && waitFor(POLLOUT, patience); }
 
+bool Connection::isHeadTooMuch() const {
+    return inHead_ && (head_.size() >= largestHead || std::chrono::steady_clock::now() > headBegan_ + patience);
+}
+
 ssize_t Connection::read(char* bytes, size_t size) {
+    if (isHeadTooMuch()) {
+        dropAtEnd();
+        return -1;
+    }
     if (bufferStart_ == bufferEnd_) {
         if (!waitFor(POLLIN, patience)) return -1;
         ssize_t count = 0;

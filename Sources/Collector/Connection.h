@@ -10,8 +10,8 @@
 namespace tallyfoot::collector {
 
 // One client's connection, under the HTTP server's parser. It keeps the head of the current request
-// as it came, and can end the connection in ways that a server library does not offer. Belongs to
-// the thread that serves it.
+// as it came, and can end the connection in ways that a server library does not offer. A head that
+// is too large, or too long on its way, ends it too. Belongs to the thread that serves it.
 class Connection final : public httplib::Stream {
 public:
     explicit Connection(int socket) noexcept : socket_(socket) {}
@@ -43,6 +43,7 @@ public:
 private:
     enum class Ending { open, dropped, reset };
     bool waitFor(short events, std::chrono::milliseconds patience) const;
+    bool isHeadTooMuch() const;
 
     int socket_;
     std::array<char, 16384> buffer_{};
@@ -50,6 +51,7 @@ private:
     std::size_t bufferEnd_ = 0;
     bool inHead_ = false;
     std::string head_;
+    std::chrono::steady_clock::time_point headBegan_;
     Ending ending_ = Ending::open;
     bool writeFailed_ = false;
     std::function<void()> onLostAnswer_;

@@ -1,5 +1,7 @@
 #include "Collector/ExpectRequest.h"
 
+#include "Collector/JSONInput.h"
+
 #include <algorithm>
 
 namespace tallyfoot::collector {
@@ -13,16 +15,16 @@ constexpr std::size_t keptMisses = 5;
 
 void parseMember(const std::string& name, const json& value, ExpectRequest& request) {
     if (name == "count") {
-        request.count = value.get<std::size_t>();
+        request.count = wholeNumber<std::size_t>(value);
     } else if (name == "type") {
         request.type = value.get<std::string>();
     } else if (name == "match") {
         if (!value.is_object()) throw std::invalid_argument("\"match\" is an object");
         request.match = value;
     } else if (name == "timeoutMilliseconds") {
-        request.timeout = std::chrono::milliseconds(value.get<std::uint32_t>());
+        request.timeout = std::chrono::milliseconds(wholeNumber<std::uint32_t>(value));
     } else if (name == "after") {
-        request.after = value.get<std::int64_t>();
+        request.after = wholeNumber<std::int64_t>(value);
     } else if (name == "all") {
         request.all = value.get<bool>();
     } else {
@@ -41,7 +43,7 @@ ordered_json difference(const json& expected, const json& record, const std::str
 
 Result<ExpectRequest> ExpectRequest::parse(std::string_view text) {
     try {
-        const auto description = json::parse(text);
+        const auto description = parsedInput(text);
         if (!description.is_object()) return Error{"an object is expected"};
         ExpectRequest request;
         for (const auto& [name, value] : description.items()) parseMember(name, value, request);

@@ -1,6 +1,6 @@
 #include "Collector/Fault.h"
 
-#include <nlohmann/json.hpp>
+#include "Collector/JSONInput.h"
 
 #include <algorithm>
 #include <charconv>
@@ -22,7 +22,8 @@ std::optional<Fault::Kind> kindNamed(std::string_view name) {
 // Members of the wrong kind throw, which `parse` turns into an error.
 void parseFiles(const json& files, Fault& fault) {
     if (files.is_object()) {
-        fault.refusesEvery = files.at("every").get<std::size_t>();
+        fault.refusesEvery = wholeNumber<std::size_t>(files.at("every"));
+        if (fault.refusesEvery == 0) throw std::invalid_argument("\"every\" is 1 or more");
     } else if (files.is_array()) {
         fault.refusedFiles = files.get<std::vector<std::string>>();
     } else if (files.get<std::string>() == "all") {
@@ -39,13 +40,13 @@ std::string textOrNumber(const json& value) {
 // All of it is read at once, so that an unknown member is told from a known one.
 void parseMember(const std::string& name, const json& value, Fault& fault) {
     if (name == "milliseconds") {
-        fault.wait = std::chrono::milliseconds(value.get<unsigned>());
+        fault.wait = std::chrono::milliseconds(wholeNumber<unsigned>(value));
     } else if (name == "files") {
         parseFiles(value, fault);
     } else if (name == "statusCode") {
         fault.statusCode = textOrNumber(value);
     } else if (name == "status") {
-        fault.httpStatus = value.get<int>();
+        fault.httpStatus = wholeNumber<int>(value);
     } else if (name == "body") {
         fault.body = value.get<std::string>();
     } else if (name == "location") {
@@ -53,7 +54,7 @@ void parseMember(const std::string& name, const json& value, Fault& fault) {
     } else if (name == "accepted") {
         fault.accepted = value.get<bool>();
     } else if (name == "afterBytes") {
-        fault.afterBytes = value.get<std::size_t>();
+        fault.afterBytes = wholeNumber<std::size_t>(value);
     } else if (name != "kind" && name != "times") {
         throw std::invalid_argument("unknown member \"" + name + "\"");
     }
@@ -61,9 +62,6 @@ void parseMember(const std::string& name, const json& value, Fault& fault) {
 
 // What a kind cannot do without.
 void checkFault(Fault& fault) {
-    if (fault.kind == Fault::Kind::refuse && fault.refusesEvery == 0 && fault.refusedFiles.empty()) {
-        fault.refusesAll = true;
-    }
     if (fault.kind == Fault::Kind::status && fault.statusCode.empty()) {
         throw std::invalid_argument("\"status\" needs a \"statusCode\"");
     }
@@ -80,10 +78,10 @@ std::vector<Fault> parseDescription(const json& description) {
     if (!kind) throw std::invalid_argument("no such kind: \"" + name + "\"");
     fault.kind = *kind;
     if (fault.kind == Fault::Kind::http) fault.httpStatus = 500;
+    fault.refusesAll = fault.kind == Fault::Kind::refuse && !description.contains("files");
     for (const auto& [member, value] : description.items()) parseMember(member, value, fault);
     checkFault(fault);
-    const auto times = description.value("times", std::size_t{1});
-    if (times > 100000) throw std::invalid_argument("\"times\" is too large");
+    const auto times = description.contains("times") ? wholeNumber<std::size_t>(description["times"], 100000) : 1;
     return std::vector<Fault>(times, fault);
 }
 
@@ -104,7 +102,7 @@ std::string_view optionMember(Fault::Kind kind) {
 }
 
 json optionDescription(std::string_view option) {
-    if (option.starts_with('{')) return json::parse(option);
+    if (option.starts_with('{')) return parsedInput(option);
     const auto colon = option.find(':');
     const auto name = option.substr(0, colon);
     json description{{"kind", std::string(name)}};

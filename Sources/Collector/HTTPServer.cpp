@@ -1,13 +1,13 @@
 #include "Collector/HTTPServer.h"
 
+#include "Collector/WorkerPool.h"
+
 #include <sys/socket.h>
 
 namespace tallyfoot::collector {
 
 namespace {
 
-// Requests that wait (for events, for a delay) hold a thread each.
-constexpr std::size_t threads = 32;
 constexpr std::chrono::seconds idlePatience{30};
 
 thread_local Connection* currentConnection = nullptr;
@@ -15,7 +15,7 @@ thread_local Connection* currentConnection = nullptr;
 } // namespace
 
 HTTPServer::HTTPServer() {
-    new_task_queue = [] { return new httplib::ThreadPool(threads); };
+    new_task_queue = [] { return new WorkerPool; };
     // The library's own choice shares a port between processes, which would split the uploads.
     set_socket_options([](socket_t socket) {
         const int yes = 1;

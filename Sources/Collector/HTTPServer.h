@@ -5,6 +5,7 @@
 #include "Tallyfoot/Platform/Exclusive.h"
 
 #include <httplib.h>
+#include <sys/socket.h>
 
 #include <atomic>
 #include <set>
@@ -20,6 +21,10 @@ public:
 
     // The connection whose request the calling thread handles; only inside of a handler.
     static Connection& current();
+
+    // Once it is bound: lets more clients wait to be accepted than the library does, which makes all
+    // but a few of those that come at once try again a second later.
+    void lengthenBacklog() { ::listen(svr_sock_, SOMAXCONN); }
 
     // Stops accepting, ends idle connections and lets running requests finish. Any thread.
     void shutDown();

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <memory>
 #include <set>
 
 namespace tallyfoot::testing {
@@ -206,6 +207,31 @@ TEST(CollectorProcess, RefusesAFaultItDoesNotKnow) {
     EXPECT_EQ(collector.post("/v1/faults", {{"clear", "yes"}}).status, 400);
 }
 
+TEST(CollectorProcess, AFaultThatIsRefusedLeavesTheOthersAsTheyWere) {
+    CollectorProcess collector({"--fault", "http:500"});
+    EXPECT_EQ(collector.post("/v1/faults", {{"clear", true}, {"random", -1}}).status, 400);
+    EXPECT_EQ(collector.post("/v1/faults", {{"clear", true}, {"faults", {{{"kind", "fire"}}}}}).status, 400);
+    EXPECT_EQ(collector.summary().at("faults"), 1);
+}
+
+TEST(CollectorProcess, RefusesWhatNestsTooDeepAndLivesOn) {
+    CollectorProcess collector;
+    const auto deep = std::string(200000, '[') + std::string(200000, ']');
+    for (const auto& [path, start] : {std::pair("/v1/faults", R"({"faults":)"), {"/v1/expect", R"({"match":{"a":)"}}) {
+        const auto body = start + deep;
+        const auto answer = talk(collector.port(), "POST " + std::string(path) + " HTTP/1.1\r\nContent-Length: "
+                                                       + std::to_string(body.size()) + "\r\n\r\n" + body);
+        EXPECT_EQ(answer.status, 400) << path;
+    }
+    EXPECT_EQ(collector.get("/healthz").status, 200);
+}
+
+TEST(CollectorProcess, AStatusCodeThatIsNoUTF8IsAnsweredAllTheSame) {
+    CollectorProcess collector({"--fault", "status:\xFF"});
+    EXPECT_EQ(send(collector.port(), TestUpload()).response().at("statusCode"), "\xEF\xBF\xBD");
+    EXPECT_EQ(collector.confirmed().size(), 1U);
+}
+
 TEST(CollectorProcess, AnUnreadableBodyGetsAnAnswerThatKeepsTheClientsData) {
     CollectorProcess collector;
     TestUpload upload;
@@ -274,6 +300,8 @@ TEST(CollectorProcess, ExpectRefusesWhatItDoesNotUnderstand) {
     CollectorProcess collector;
     EXPECT_EQ(collector.expect({{"number", 1}}).status, 400);
     EXPECT_EQ(collector.expect({{"match", 1}}).status, 400);
+    EXPECT_EQ(collector.expect({{"count", -1}}).status, 400);
+    EXPECT_EQ(collector.expect({{"timeoutMilliseconds", -1}}).status, 400);
     EXPECT_EQ(collector.expect(json::array()).status, 400);
 }
 
@@ -285,6 +313,7 @@ TEST(CollectorProcess, EventsCanBeFilteredAndContinued) {
     const auto second = collector.events().at(1).at("id").get<int>();
     EXPECT_EQ(identifiers(collector.events("after=" + std::to_string(second))), std::set<std::string>{"3"});
     EXPECT_EQ(collector.get("/v1/events?after=x").status, 400);
+    EXPECT_EQ(collector.get("/v1/events?after=99999999999999999999").status, 400);
 }
 
 TEST(CollectorProcess, ResetForgetsEverything) {
@@ -345,6 +374,36 @@ TEST(CollectorProcess, TheSameSeedGivesTheSameFate) {
     }
     EXPECT_EQ(fates[0], fates[1]);
     EXPECT_GT(std::set<json>(fates[0].begin(), fates[0].end()).size(), 4U);
+}
+
+TEST(CollectorProcess, TakesARequestThatComesByteByByte) {
+    CollectorProcess collector;
+    const TestUpload upload;
+    const auto body = upload.body();
+    EXPECT_EQ(talkInPieces(collector.port(), upload.head(body.size()) + body, 1).status, 200);
+    EXPECT_EQ(collector.confirmed().size(), 1U);
+    EXPECT_EQ(collector.problems(), json::array());
+}
+
+TEST(CollectorProcess, ClientsThatSayNothingKeepNobodyWaiting) {
+    CollectorProcess collector;
+    std::vector<std::unique_ptr<SilentClient>> clients;
+    for (int client = 0; client < 100; ++client)
+        clients.push_back(std::make_unique<SilentClient>(collector.port(), "POST /upload HTTP/1.1\r\n"));
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(send(collector.port(), TestUpload()).status, 200);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
+}
+
+TEST(CollectorProcess, DropsAClientWhoseHeadDoesNotEnd) {
+    CollectorProcess collector;
+    std::string head = "POST /upload HTTP/1.1\r\n";
+    for (int line = 0; line < 10000; ++line)
+        head += "X-" + std::to_string(line) + ": " + std::string(100, 'x') + "\r\n";
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_NE(talk(collector.port(), head).end, Exchange::End::answered);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
+    EXPECT_EQ(collector.get("/healthz").status, 200);
 }
 
 TEST(CollectorProcess, TakesUploadsFromSeveralClientsAtOnce) {

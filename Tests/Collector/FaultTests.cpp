@@ -27,6 +27,7 @@ TEST(Fault, RefusesByNameByCountOrAll) {
     EXPECT_TRUE(every.refuses("b.log", 1));
     EXPECT_TRUE(parsed(R"({"kind":"refuse","files":"all"})").refuses("a.log", 0));
     EXPECT_TRUE(parsed(R"({"kind":"refuse"})").refuses("a.log", 0));
+    EXPECT_FALSE(parsed(R"({"kind":"refuse","files":[]})").refuses("a.log", 0));
     EXPECT_FALSE(parsed(R"({"kind":"accept"})").refuses("a.log", 0));
 }
 
@@ -41,7 +42,12 @@ TEST(Fault, ComesSeveralTimes) {
 
 TEST(Fault, RefusesWhatItDoesNotUnderstand) {
     for (const auto* json : {"{}", "[]", R"({"kind":"status"})", R"({"kind":"http","status":99})", R"({"kind":7})",
-                             R"({"kind":"refuse","files":"some"})", R"({"kind":"reset","afterBytes":"x"})"}) {
+                             R"({"kind":"refuse","files":"some"})", R"({"kind":"reset","afterBytes":"x"})",
+                             R"({"kind":"refuse","files":{"every":0}})", R"({"kind":"refuse","files":{"every":-1}})",
+                             R"({"kind":"delay","milliseconds":-1})", R"({"kind":"delay","milliseconds":1.5})",
+                             R"({"kind":"delay","milliseconds":true})", R"({"kind":"delay","milliseconds":4294967296})",
+                             R"({"kind":"http","status":4294967496})", R"({"kind":"reset","afterBytes":-1})",
+                             R"({"kind":"accept","times":-1})", R"({"kind":"accept","times":100001})"}) {
         EXPECT_FALSE(Fault::parse(nlohmann::json::parse(json))) << json;
     }
 }
@@ -55,7 +61,7 @@ TEST(Fault, ReadsOptions) {
     EXPECT_EQ(parsedOption("dropReply").kind, Fault::Kind::dropReply);
     EXPECT_EQ(parsedOption("answer:17").body, "17");
     EXPECT_EQ(parsedOption(R"({"kind":"garbage","milliseconds":5})").wait, std::chrono::milliseconds(5));
-    for (const auto* option : {"", "fire", "garbage:1", "delay:soon", "{"})
+    for (const auto* option : {"", "fire", "garbage:1", "delay:soon", "refuse:0", "{"})
         EXPECT_FALSE(Fault::parseOption(option)) << option;
 }
 

@@ -3,10 +3,12 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <zip.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -20,6 +22,8 @@ int connectTo(int port) {
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
     const timeval patience{30, 0};
     ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    const int yes = 1;
+    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes); // each piece goes out by itself
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
@@ -126,14 +130,18 @@ nlohmann::json Exchange::response() const {
 
 namespace {
 
-Exchange talk(int port, const std::string& bytes, bool endsAfterwards) {
-    const int socket = connectTo(port);
+void sendAll(int socket, const std::string& bytes, std::size_t pieceSize) {
     std::size_t sent = 0;
     while (sent < bytes.size()) {
-        const auto count = ::send(socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+        const auto count = ::send(socket, bytes.data() + sent, std::min(bytes.size() - sent, pieceSize), MSG_NOSIGNAL);
         if (count < 0) break;
         sent += static_cast<std::size_t>(count);
     }
+}
+
+Exchange talk(int port, const std::string& bytes, bool endsAfterwards, std::size_t pieceSize) {
+    const int socket = connectTo(port);
+    sendAll(socket, bytes, pieceSize);
     if (endsAfterwards) ::shutdown(socket, SHUT_WR);
     Exchange result;
     std::string reply;
@@ -157,9 +165,19 @@ Exchange talk(int port, const std::string& bytes, bool endsAfterwards) {
 
 } // namespace
 
-Exchange talk(int port, const std::string& bytes) { return talk(port, bytes, false); }
+Exchange talk(int port, const std::string& bytes) { return talk(port, bytes, false, bytes.size()); }
 
-Exchange talkHalf(int port, const std::string& bytes) { return talk(port, bytes, true); }
+Exchange talkHalf(int port, const std::string& bytes) { return talk(port, bytes, true, bytes.size()); }
+
+Exchange talkInPieces(int port, const std::string& bytes, std::size_t pieceSize) {
+    return talk(port, bytes, false, pieceSize);
+}
+
+SilentClient::SilentClient(int port, const std::string& said) : socket_(connectTo(port)) {
+    sendAll(socket_, said, said.size());
+}
+
+SilentClient::~SilentClient() { ::close(socket_); }
 
 Exchange send(int port, const TestUpload& upload) {
     const auto body = upload.body();

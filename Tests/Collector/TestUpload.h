@@ -51,6 +51,19 @@ struct Exchange {
 
 Exchange talk(int port, const std::string& bytes);
 Exchange talkHalf(int port, const std::string& bytes); // the client says that no more will follow
+Exchange talkInPieces(int port, const std::string& bytes, std::size_t pieceSize);
 Exchange send(int port, const TestUpload& upload);
+
+// Has said something and waits, until it is gone.
+class SilentClient {
+public:
+    SilentClient(int port, const std::string& said);
+    ~SilentClient();
+    SilentClient(const SilentClient&) = delete;
+    SilentClient& operator=(const SilentClient&) = delete;
+
+private:
+    int socket_;
+};
 
 } // namespace tallyfoot::testing
