@@ -12,7 +12,7 @@ inline constexpr std::string_view recordSeparator = "jsonsplit";
 
 // Makes a stored record of the text that these properties were formatted to, in place: custom data
 // turned from a JSON text into real JSON (`deEscapedCustomData`), then the separator. What has no
-// usable custom data keeps its layout.
+// usable custom data, or none that there is memory for, keeps its layout.
 void makeStoredRecord(std::string& line, const Attributes& properties);
 
 } // namespace tallyfoot
