@@ -72,13 +72,36 @@ TEST(FileEventFormatter, EverythingElseGoesOutAsItIs) {
     EXPECT_EQ(rendered("jsonsplit"), "jsonsplit");
 }
 
-TEST(FileEventFormatter, EscapesWhereverTheCharacterStands) {
-    for (std::size_t place = 0; place < 40; ++place) {
-        std::string value(40, 'x');
-        value[place] = '/';
-        std::string expected = value;
-        expected.insert(place, 1, '\\');
-        EXPECT_EQ(rendered(value), expected);
+// The text of one byte among plain ones.
+std::string renderedByte(unsigned char byte) {
+    switch (byte) {
+    case '"': return "\\\"";
+    case '/': return "\\/";
+    case '\\': return "\\\\";
+    case '\b': return "\\b";
+    case '\f': return "\\f";
+    case '\n': return "\\n";
+    case '\r': return "\\r";
+    case '\t': return "\\t";
+    default: break;
+    }
+    if (byte >= 0x80) return "\uFFFD";
+    if (byte >= 0x20) return {static_cast<char>(byte)};
+    const std::string_view digits = "0123456789abcdef";
+    return std::string("\\u00") + digits[byte / 16U] + digits[byte % 16U];
+}
+
+TEST(FileEventFormatter, EveryByteIsSeenWhereverItStands) {
+    for (const std::size_t size : {1U, 8U, 15U, 16U, 17U, 31U, 32U, 33U, 50U}) {
+        for (std::size_t place = 0; place < size; ++place) {
+            for (unsigned byte = 0; byte < 0x100; ++byte) {
+                std::string value(size, 'x');
+                value[place] = static_cast<char>(byte);
+                std::string expected(size, 'x');
+                expected.replace(place, 1, renderedByte(static_cast<unsigned char>(byte)));
+                ASSERT_EQ(rendered(value), expected) << byte << " at " << place << " of " << size;
+            }
+        }
     }
 }
 

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <random>
+
 namespace tallyfoot {
 namespace {
 
@@ -56,6 +58,25 @@ TEST(StoredRecord, AValueThatReadsCustomIsNoCustomData) {
     EXPECT_EQ(storedEvent({{LogAttribute::evtLabel, "custom"}}), "{\n  \"evtLabel\" : \"custom\"\n}jsonsplit");
     EXPECT_EQ(storedEvent({{LogAttribute::evtLabel, R"("custom":"[{}]")"}}),
               "{\n  \"evtLabel\" : \"\\\"custom\\\":\\\"[{}]\\\"\"\n}jsonsplit");
+}
+
+TEST(StoredRecord, WithoutTheAttributeThereIsNothingToTurn) {
+    const std::string_view pieces[] = {"custom", "\"", ":",  "[{}]", "\\",     "/", "{",
+                                       "}",      ",",  "\n", "\x80", "\u00E9", "x"};
+    std::mt19937 random(13);
+    for (int round = 0; round < 5000; ++round) {
+        Attributes properties;
+        for (std::size_t place = 0; place < logAttributeTexts.size(); ++place) {
+            std::string value;
+            for (auto left = random() % 6; left > 0; --left) value += pieces[random() % std::size(pieces)];
+            properties.set(static_cast<LogAttribute>(place), std::move(value));
+        }
+        properties.remove(LogAttribute::custom);
+        std::string text;
+        ASSERT_TRUE(FileEventFormatter().format(properties, text));
+        ASSERT_EQ(json::deEscapedCustomData(text), text);
+        ASSERT_EQ(stored(text, properties), text + "jsonsplit");
+    }
 }
 
 TEST(StoredRecord, AnEscapedNameIsTheName) {
