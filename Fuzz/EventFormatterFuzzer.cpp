@@ -1,8 +1,10 @@
 // Any values: an event's text is, to the byte, what another writer's escaping and the layout make of
-// its attributes.
+// its attributes, and its record what turning the custom data in that text makes of it.
 #include "Fuzz/Require.h"
 
 #include "Tallyfoot/Events/FileEventFormatter.h"
+#include "Tallyfoot/Events/JSON.h"
+#include "Tallyfoot/Events/StoredRecord.h"
 #include "Tallyfoot/Events/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -44,5 +46,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto text = FileEventFormatter().format(event);
     require(text.has_value(), "every event can be formatted");
     require(*text == expected(event.properties), "an event's text has the stated layout");
+    std::string record = *text;
+    makeStoredRecord(record, event.properties);
+    require(record == json::deEscapedCustomData(*text) + std::string(recordSeparator),
+            "a record is the text with its custom data turned, and the separator");
     return 0;
 }
