@@ -37,7 +37,7 @@ void setTrustedCertificates(CURL* handle) {
 }
 
 curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) noexcept {
-    return FileDescriptor(::socket(address->family, address->socktype, address->protocol)).release();
+    return FileDescriptor(::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol)).release();
 }
 
 } // namespace
@@ -182,7 +182,8 @@ CurlTransfer::TimePoint CurlTransfer::deadline(TimePoint now) {
     return lastActivity_ + request_.timeout;
 }
 
-// Neither the token nor the records leave for a host that nobody configured.
+// Neither the token nor the records leave for a host that nobody configured, or under another name. A
+// relative target has the user of the address that it is relative to.
 bool CurlTransfer::followsRedirect(CURLcode code) {
     long status = 0;
     char* target = nullptr;
@@ -191,7 +192,8 @@ bool CurlTransfer::followsRedirect(CURLcode code) {
     if (code != CURLE_OK || (status != 307 && status != 308) || target == nullptr) return false;
     const auto from = httpAddress(request_.url);
     const auto to = httpAddress(target);
-    if (!from || !to || to->namesUser || to->origin != from->origin || redirects_ == maximumRedirects) return false;
+    if (!from || !to || to->origin != from->origin || redirects_ == maximumRedirects) return false;
+    if (!to->user.empty() && to->user != from->user) return false;
     ++redirects_;
     request_.url = to->url;
     return true;

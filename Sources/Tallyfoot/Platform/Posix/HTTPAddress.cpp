@@ -59,7 +59,8 @@ std::optional<HTTPAddress> httpAddress(const std::string& url) {
         lowerCase(part(parts, CURLUPART_SCHEME)) + "://" + host + ":" + part(parts, CURLUPART_PORT, CURLU_DEFAULT_PORT);
     address.host = host.starts_with('[') ? host.substr(1, host.size() - 2) : host;
     address.url = part(parts, CURLUPART_URL);
-    address.namesUser = !part(parts, CURLUPART_USER).empty() || !part(parts, CURLUPART_PASSWORD).empty();
+    address.user = part(parts, CURLUPART_USER);
+    if (const auto password = part(parts, CURLUPART_PASSWORD); !password.empty()) address.user += ':' + password;
     if (address.host.empty()) return std::nullopt;
     return address;
 }

@@ -10,7 +10,7 @@ struct HTTPAddress {
     std::string origin; // "https://host:443", in lower case
     std::string host;   // without brackets
     std::string url;    // the whole address, anything beyond ASCII percent-encoded
-    bool namesUser;     // "user@" stands before the host
+    std::string user;   // what stands before the host's "@", as "user:password"; empty without
 
     bool isLoopback() const;
 };

@@ -5,7 +5,11 @@
 #include "Tallyfoot/Platform/Posix/DetachedThread.h"
 #include "Tallyfoot/Platform/Posix/ExitGate.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -39,6 +43,29 @@ bool setUpCurl() {
     }();
     return isSetUp;
 }
+
+// Fills the numbers of standard streams that the host has closed. libcurl opens the sockets that wake it
+// by itself: under such a number they would get the trace, and be gone when the host opens its stream.
+class StreamPlaceholders {
+public:
+    StreamPlaceholders() {
+        for (int& file : files_) {
+            file = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+            if (file > STDERR_FILENO) break;
+        }
+    }
+
+    ~StreamPlaceholders() {
+        for (const int file : files_)
+            if (file >= 0) ::close(file);
+    }
+
+    StreamPlaceholders(const StreamPlaceholders&) = delete;
+    StreamPlaceholders& operator=(const StreamPlaceholders&) = delete;
+
+private:
+    std::array<int, STDERR_FILENO + 1> files_{-1, -1, -1};
+};
 
 } // namespace
 
@@ -113,7 +140,10 @@ private:
     bool setUp() {
         const ExitGate::Pass pass;
         if (!setUpCurl()) return false;
-        multi_.reset(curl_multi_init());
+        {
+            const StreamPlaceholders placeholders;
+            multi_.reset(curl_multi_init());
+        }
         shared_.modify([this](Shared& shared) { shared.multi = multi_.get(); });
         return multi_ != nullptr;
     }
