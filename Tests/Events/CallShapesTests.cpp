@@ -73,5 +73,14 @@ TEST(CallShapes, CustomDataAsAJSONObject) {
     expect(logEvent("purchase", {}, nlohmann::json::object()), "text purchase", {}, "{}");
 }
 
+TEST(CallShapes, AWholeNumberOfMoreThan64BitsIsNoValue) {
+    // Compilers that know such numbers count them as integral.
+    __extension__ using Wide = __int128;
+    __extension__ using WideUnsigned = unsigned __int128;
+    EXPECT_TRUE((std::signed_integral<Wide> && std::unsigned_integral<WideUnsigned>));
+    EXPECT_FALSE((std::is_constructible_v<CustomValue, Wide>));
+    EXPECT_FALSE((std::is_constructible_v<CustomValue, WideUnsigned>));
+}
+
 } // namespace
 } // namespace tallyfoot

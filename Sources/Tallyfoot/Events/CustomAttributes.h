@@ -35,11 +35,13 @@ public:
 
     template <std::signed_integral Number>
 
-    requires(!CharacterType<Number>) CustomValue(Number number) : CustomValue(fromInteger(number)) {} // NOLINT
+    requires(!CharacterType<Number> && sizeof(Number) <= sizeof(std::int64_t)) CustomValue(Number number)
+        : CustomValue(fromInteger(number)) {} // NOLINT
 
     template <std::unsigned_integral Number>
 
-    requires(!std::same_as<Number, bool> && !CharacterType<Number>) CustomValue(Number number)
+    requires(!std::same_as<Number, bool> && !CharacterType<Number> && sizeof(Number) <= sizeof(std::uint64_t))
+        CustomValue(Number number)
         : CustomValue(fromUnsigned(number)) {} // NOLINT
 
     template <CharacterType Character>
