@@ -114,6 +114,14 @@ class PackageTests:
         self.expect(installed == reached, f"not installed: {sorted(reached - installed)}\n"
                                           f"installed for nothing: {sorted(installed - reached)}")
 
+    def StaysInAProcessThatUnloadsIt(self):
+        """Its threads run until the process ends: a plugin that goes must not take their code away."""
+        library = self.libraries() / "libTallyfoot.so"
+        program = ("import _ctypes, ctypes; "
+                   f"_ctypes.dlclose(ctypes.CDLL({str(library)!r})._handle); "
+                   "print('libTallyfoot' in open('/proc/self/maps').read())")
+        self.expect(run(sys.executable, "-c", program) == "True\n", "unloaded")
+
     # --- What they share
 
     def libraries(self):
