@@ -1,3 +1,4 @@
+#include "Support/ScriptedServer.h"
 #include "Support/TemporaryFolder.h"
 
 #include "Tallyfoot/Facade/TallyfootImplementation.h"
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
 #include <regex>
 #include <string>
 #include <thread>
@@ -376,6 +378,35 @@ TEST_F(TallyfootTest, TheConsoleBlockShowsTheEventWithTheDevice) {
                                                         "\"**************************************************\"\n");
 }
 
+TEST_F(TallyfootTest, ACallersApplicationNameIsRecordedAndTheApplicationsIsShown) {
+    start();
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("a", {{LogAttribute::appName, "own name"}});
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("\n\"appName: Shop\"\n"));
+    EXPECT_EQ(records()[0]["appName"], "own name");
+}
+
+TEST_F(TallyfootTest, WhatIsShownOfTheDeviceIsNotRecorded) {
+    start();
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("a", {});
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("\n\"userAgent: "));
+    const auto record = records()[0];
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : record.items()) keys.push_back(key);
+    EXPECT_THAT(keys, ElementsAre("evtId", "evtLclTimestamp", "evtType", "pgName", "pgPrnt"));
+}
+
+TEST_F(TallyfootTest, IllFormedTextIsShownWithReplacementCharacters) {
+    start();
+    Tallyfoot::setShowOutput(true);
+    ::testing::internal::CaptureStdout();
+    Tallyfoot::log("a", {{LogAttribute::evtLabel, "a\x9B\x62"}});
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("\"evtLabel: a\xEF\xBF\xBD\x62\"\n"));
+}
+
 TEST_F(TallyfootTest, WithoutAnApplicationNothingIsShown) {
     Tallyfoot::setShowOutput(true);
     ::testing::internal::CaptureStdout();
@@ -508,13 +539,37 @@ TEST_F(TallyfootTest, InterceptionsFollowAChangeOfTheEnvironmentThatThrows) {
     EXPECT_TRUE(Tallyfoot::isSwizzled());
 }
 
-TEST_F(TallyfootTest, InterceptionsComeBeforeCrashHooksAndCrashHooksAtEveryConfigure) {
+TEST_F(TallyfootTest, ConfigureStartsTheRecordingThenInstallsThenIgnores) {
     std::vector<std::string> order;
     Tallyfoot::Implementation::shared().setSeams({.installInterceptions = [&] { order.emplace_back("interceptions"); },
-                                                  .installCrashHooks = [&] { order.emplace_back("crash"); }});
+                                                  .installCrashHooks =
+                                                      [&] {
+                                                          order.emplace_back("crash hooks");
+                                                          EXPECT_THAT(Tallyfoot::shared().ignoreClasses(), IsEmpty());
+                                                      }});
+    setApplication("Shop");
+    Tallyfoot::configure(configuration_, {"UISlider"}, [&] {
+        order.emplace_back("closure");
+        return std::make_shared<Authentication>("user-1", "token-1");
+    });
+    EXPECT_THAT(order, ElementsAre("closure", "interceptions", "crash hooks"));
+    EXPECT_THAT(Tallyfoot::shared().ignoreClasses(), ElementsAre("UISlider"));
+}
+
+TEST_F(TallyfootTest, CrashHooksAreInstalledAtEveryConfigure) {
+    int installed = 0;
+    Tallyfoot::Implementation::shared().setSeams({.installCrashHooks = [&] { ++installed; }});
     start();
     configure();
-    EXPECT_THAT(order, ElementsAre("interceptions", "crash", "crash"));
+    EXPECT_EQ(installed, 2);
+}
+
+TEST_F(TallyfootTest, InterceptionsFollowTheEnvironmentThatIsSet) {
+    std::shared_ptr<Environment> found;
+    Tallyfoot::Implementation::shared().setSeams({.installInterceptions = [&] { found = Tallyfoot::environment(); }});
+    const auto environment = std::make_shared<Environment>();
+    Tallyfoot::setEnvironment(environment);
+    EXPECT_EQ(found, environment);
 }
 
 TEST_F(TallyfootTest, TheEnvironmentIsMadeOnFirstAccessAndIsTheSameAgain) {
@@ -548,6 +603,13 @@ TEST_F(TallyfootTest, TheUploadConfigurationIsTheDefaultUntilConfigured) {
     EXPECT_EQ(Tallyfoot::shared().uploadConfiguration(), configuration_);
 }
 
+TEST_F(TallyfootTest, NoConfigurationIsTheDefaultOne) {
+    start();
+    Tallyfoot::configure(nullptr, {}, nullptr);
+    EXPECT_EQ(Tallyfoot::shared().uploadConfiguration(), UploadConfiguration::defaultConfiguration());
+    EXPECT_EQ(processSettings().uploadConfiguration.copy(), UploadConfiguration::defaultConfiguration());
+}
+
 TEST_F(TallyfootTest, TheClosureMayUseTheLibrary) {
     setApplication("Shop");
     Tallyfoot::configure(configuration_, {}, [] {
@@ -567,6 +629,36 @@ TEST_F(TallyfootTest, AClosureThatThrowsLeavesNoRecorderAndTheNextConfigureTries
     configure();
     Tallyfoot::log("kept", {});
     EXPECT_THAT(records(), SizeIs(1));
+}
+
+TEST_F(TallyfootTest, AClosureThatThrewIsAskedAgainWhenTheSameApplicationIsSetAgain) {
+    int asked = 0;
+    Tallyfoot::configure(configuration_, {}, [&] {
+        if (++asked == 1) throw std::runtime_error("host");
+        return std::make_shared<Authentication>("user-1", "token-1");
+    });
+    const auto application = std::make_shared<ApplicationInfo>("Shop", "id", "area", "area-id");
+    Tallyfoot::setAppInfo(application);
+    Tallyfoot::setAppInfo(application);
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(Tallyfoot::shared().authenticationToken(), "token-1");
+}
+
+TEST_F(TallyfootTest, TheClosureOfTheLastConfigureIsAskedWhenTheServerRejectsTheToken) {
+    ScriptedServer server;
+    server.script({.answer = ScriptedServer::response(R"({"data":{"response":{"statusCode":"10000003"}}})")});
+    configuration_->setUploadPath(server.url());
+    start();
+    const auto asked = std::make_shared<std::promise<void>>();
+    Tallyfoot::configure(configuration_, {}, [asked] {
+        asked->set_value();
+        return std::make_shared<Authentication>("user-1", "token-2");
+    });
+    Tallyfoot::setIgnoreFileSizeThreshold(true); // the event below is sent
+    Tallyfoot::log("a", {});
+    EXPECT_EQ(asked->get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    EXPECT_TRUE(server.request(0).hasLine("cookie: token-1"));
+    EXPECT_EQ(authenticationsAsked_, 1);
 }
 
 TEST_F(TallyfootTest, AClosureThatConfiguresAnotherAndThrowsGivesWayToThatOne) {

@@ -46,11 +46,7 @@ bool EventPipeline::isIgnored(const Attributes& attributes, const Context& conte
     return category != nullptr && context.ignoreClasses.contains(*category);
 }
 
-void EventPipeline::log(EventType type, Attributes& attributes, const std::optional<std::string>& customText) {
-    logJSON(type, attributes, customText ? std::optional<std::string_view>(*customText) : std::nullopt);
-}
-
-void EventPipeline::logJSON(EventType type, Attributes& attributes, std::optional<std::string_view> customText) {
+void EventPipeline::log(EventType type, Attributes& attributes, std::optional<std::string_view> customText) {
     const auto context = this->context();
     if (isIgnored(attributes, *context)) return;
     if (customText) attributes.set(LogAttribute::custom, asArray(*customText));
@@ -79,7 +75,8 @@ void EventPipeline::print(const Attributes& attributes, const ApplicationInfo& a
     shown.forEach([&](LogAttribute key, const std::string& value) {
         block += debugDescription(std::string(rawValue(key)) + ": " + value) + "\n";
     });
-    console_.printBlock(block += banner);
+    block += banner;
+    console_.printBlock(text::utf8String(block)); // as it is stored
 }
 
 } // namespace tallyfoot

@@ -36,9 +36,9 @@ public:
 
     EventPipeline(const PlatformServices& services, const Settings& settings);
 
-    // Adds to the attributes, in their place: they are large, and a move touches each of them.
-    void log(EventType type, Attributes& attributes, const std::optional<std::string>& customText);
-    void logJSON(EventType type, Attributes& attributes, std::optional<std::string_view> customText);
+    // Custom data comes as JSON text; what does not begin with "[" becomes an array of one. Adds to the
+    // attributes, in their place: they are large, and a move touches each of them.
+    void log(EventType type, Attributes& attributes, std::optional<std::string_view> customText);
 
     std::shared_ptr<const Context> context() const { return context_.copy(); }
 

@@ -94,14 +94,14 @@ void Tallyfoot::log(std::string_view type, Attributes attributes, const CustomAt
 
 void Tallyfoot::logJSON(EventType type, Attributes attributes,
                         std::optional<std::string_view> customJSONAttributes) noexcept {
-    guarded([&] { implementation().pipeline.logJSON(type, attributes, customJSONAttributes); });
+    guarded([&] { implementation().pipeline.log(type, attributes, customJSONAttributes); });
 }
 
 void Tallyfoot::logJSON(std::string_view type, Attributes attributes,
                         std::optional<std::string_view> customJSONAttributes) noexcept {
     guarded([&] {
         attributes.set(LogAttribute::evtType, type);
-        implementation().pipeline.logJSON(EventType::action, attributes, customJSONAttributes);
+        implementation().pipeline.log(EventType::action, attributes, customJSONAttributes);
     });
 }
 

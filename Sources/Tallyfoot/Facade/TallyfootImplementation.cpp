@@ -24,7 +24,8 @@ void Tallyfoot::Implementation::configure(std::shared_ptr<UploadConfiguration> c
     if (authenticationClosure)
         authenticationHandler_.exchange(
             std::make_shared<const AuthenticationClosure>(std::move(authenticationClosure)));
-    processSettings().uploadConfiguration.exchange(std::move(configuration));
+    processSettings().uploadConfiguration.exchange(configuration ? std::move(configuration)
+                                                                 : UploadConfiguration::defaultConfiguration());
     updateApplicationInfo();
     installInterceptionsOnce();
     seams_.copy().installCrashHooks();
