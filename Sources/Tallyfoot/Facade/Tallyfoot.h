@@ -24,23 +24,25 @@ namespace tallyfoot {
 // The one class through which a host switches the library on, sets it up and logs events of its
 // own: `setAppInfo` and `configure`, then `log`. Every call may come from any thread, also while the
 // process ends; none throws (making its arguments may, when memory runs out). Not for a child process
-// forked afterwards: a thread that the child does not have may hold a lock.
+// forked afterwards: a thread that the child does not have may hold a lock. Nor for a thread that is
+// cancelled (pthread_cancel) inside a call: that ends the process.
 class TALLYFOOT_EXPORT Tallyfoot {
 public:
     // Asked for the user's credentials when recording starts and whenever the server rejects the
     // token. Runs on the thread that needs them, with nothing of the library's held, so that it may
-    // take its time, log and configure. Returning nothing is fatal. If it throws at the start, the
-    // next `configure` or `setAppInfo` tries again; later, the former credentials stay.
+    // take its time, log and configure. Kept until another one is configured. Returning nothing is
+    // fatal. If it throws at the start, the next `configure` or `setAppInfo` tries again; later, the
+    // former credentials stay.
     using AuthenticationClosure = std::function<std::shared_ptr<Authentication>()>;
 
     // --- Switching on -------------------------------------------------------------------------
 
     // Together with setAppInfo, in either order, starts the recording; events logged before both
-    // are lost. `ignoreClasses` are platform class names ("UISlider"), unknown ones are dropped; events
-    // of their categories, by the custom titles of this moment, are not recorded. May be called again:
-    // closure, configuration and ignored classes are replaced, but a recording that runs keeps the
-    // configuration that it started with. Without a configuration the default one is used; without a
-    // closure the former one stays.
+    // are lost. Fatal where the user has no folder for application data. `ignoreClasses` are platform
+    // class names ("UISlider"), unknown ones are dropped; events of their categories, by the custom
+    // titles of this moment, are not recorded. May be called again: closure, configuration and ignored
+    // classes are replaced, but a recording that runs keeps the configuration that it started with.
+    // Without a configuration the default one is used; without a closure the former one stays.
     static void configure(std::shared_ptr<UploadConfiguration> configuration,
                           const std::vector<std::string>& ignoreClasses,
                           AuthenticationClosure authenticationClosure) noexcept;
