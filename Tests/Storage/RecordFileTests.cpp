@@ -1,3 +1,4 @@
+#include "RelayFileManager.h"
 #include "Support/TemporaryFolder.h"
 
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
@@ -107,6 +108,57 @@ TEST_F(RecordFileTest, ARecordNeverFusesWithAFragment) {
     ASSERT_TRUE(file.open(path));
     ASSERT_TRUE(file.append("twojsonsplit"));
     EXPECT_EQ(readFile(path), "onejsonsplittwojsonsplit");
+}
+
+// A disk whose files cannot be cut, and that takes nothing more once it is full.
+class Uncuttable final : public RelayFileManager {
+public:
+    using RelayFileManager::RelayFileManager;
+    Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) override {
+        auto handle = RelayFileManager::fileHandleForWriting(path);
+        if (!handle) return handle;
+        return std::unique_ptr<FileHandle>(std::make_unique<Handle>(std::move(handle.value()), isFull));
+    }
+    bool isFull = false;
+
+private:
+    class Handle final : public FileHandle {
+    public:
+        Handle(std::unique_ptr<FileHandle> next, const bool& isFull) : next_(std::move(next)), isFull_(isFull) {}
+        Result<void> append(std::string_view bytes) override {
+            return isFull_ ? Result<void>(Error{"full"}) : next_->append(bytes);
+        }
+        Result<std::uint64_t> size() const override { return next_->size(); }
+        bool isInPlace() override { return next_->isInPlace(); }
+        Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const override {
+            return next_->read(offset, buffer);
+        }
+        Result<void> truncate(std::uint64_t) override { return Error{"stuck"}; }
+
+    private:
+        std::unique_ptr<FileHandle> next_;
+        const bool& isFull_;
+    };
+};
+
+TEST_F(RecordFileTest, AFragmentThatCannotBeCutOffIsKeptApart) {
+    writeFile(path, "onejsonsplit{\"tor");
+    Uncuttable disk(fileManager);
+    RecordFile odd(disk);
+    ASSERT_TRUE(odd.open(path));
+    ASSERT_TRUE(odd.append("twojsonsplit"));
+    EXPECT_EQ(readFile(path), "onejsonsplit{\"torjsonsplittwojsonsplit");
+    EXPECT_EQ(odd.size(), readFile(path).size());
+}
+
+TEST_F(RecordFileTest, AFileWhoseFragmentCannotBeKeptApartIsNotOpened) {
+    writeFile(path, "onejsonsplit{\"tor");
+    Uncuttable disk(fileManager);
+    disk.isFull = true;
+    RecordFile odd(disk);
+    EXPECT_FALSE(odd.open(path));
+    EXPECT_FALSE(odd.isOpen());
+    EXPECT_EQ(readFile(path), "onejsonsplit{\"tor");
 }
 
 } // namespace

@@ -49,7 +49,10 @@ Result<void> RecordFile::open(const std::string& path) {
         return {};
     }
     // What cannot be cut off is at least kept apart.
-    (void)handle_->append(recordSeparator);
+    if (auto keptApart = handle_->append(recordSeparator); !keptApart) {
+        close();
+        return keptApart;
+    }
     const auto size = handle_->size();
     size_ = size ? size.value() : 0;
     return {};
