@@ -47,6 +47,14 @@ TEST(ApplicationInfo, KeepsWhatItWasGiven) {
     EXPECT_EQ(info.bizAreaId(), "R-7");
 }
 
+TEST(ApplicationInfo, TakesWhatIsIllFormedForAReplacementCharacter) {
+    const ApplicationInfo info("Caf\xE9", "\xE9-1", "R\xE9tail", "R-\xE9");
+    EXPECT_EQ(info.appName(), "Caf\xEF\xBF\xBD");
+    EXPECT_EQ(info.appId(), "\xEF\xBF\xBD-1");
+    EXPECT_EQ(info.bizArea(), "R\xEF\xBF\xBDtail");
+    EXPECT_EQ(info.bizAreaId(), "R-\xEF\xBF\xBD");
+}
+
 TEST(ApplicationInfo, WithoutANameCarriesTheBundlesName) {
     const HostBundle bundle("Corner Shop");
     const ApplicationInfo info("shop-1", "Retail", "R-7");

@@ -14,6 +14,12 @@ TEST(Authentication, KeepsWhatItWasGiven) {
     EXPECT_EQ(authentication.userLogOnTime(), "2024-05-01 08:00");
 }
 
+TEST(Authentication, TakesWhatIsIllFormedInAUserIdForAReplacementCharacter) {
+    const Authentication authentication("J\xFCrgen", "\xFC");
+    EXPECT_EQ(authentication.userId(), "J\xEF\xBF\xBDrgen");
+    EXPECT_EQ(authentication.authenticationToken(), "\xFC"); // the server's own bytes
+}
+
 TEST(Authentication, NeedsNoLogOnTime) { EXPECT_EQ(Authentication("user-1", "token-1").userLogOnTime(), std::nullopt); }
 
 TEST(Authentication, CannotBeMadeOfNothing) { EXPECT_FALSE(std::is_default_constructible_v<Authentication>); }

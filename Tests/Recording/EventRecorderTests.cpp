@@ -14,6 +14,7 @@
 #include <chrono>
 #include <functional>
 #include <limits>
+#include <stdexcept>
 #include <utility>
 
 namespace tallyfoot::testing {
@@ -22,6 +23,7 @@ namespace {
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::UnorderedElementsAre;
 
@@ -469,15 +471,30 @@ TEST_P(AuthenticationRejection, RestoresEverythingAndAsksForFreshCredentials) {
     RecorderHost host;
     host.start();
     host.log();
-    host.trigger();
+    host.recorder->triggerUpload();
+    const auto sent = host.files("Upload");
+    host.settle();
     host.token = "token-2";
-    const auto sent = host.files("Backup");
-    host.server->answerWith(GetParam(), {"anything.log"}, {});
+    host.server->answerWith(GetParam(), sent, {}); // which a rejection cannot have delivered
     EXPECT_EQ(host.authenticationsAsked, 2);
     EXPECT_THAT(host.files("Upload"), SizeIs(1));
     host.trigger();
     EXPECT_EQ(field(host.server->requests().back(), "authtoken"), "token-2");
     EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1"));
+}
+
+TEST_P(AuthenticationRejection, OfAUserWhoHasChangedDeletesEverything) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    host.trigger();
+    host.userId = "user-2";
+    host.server->answerWith(GetParam());
+    EXPECT_THAT(host.files("Upload"), IsEmpty());
+    EXPECT_THAT(host.files("Backup"), IsEmpty());
+    host.log();
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("2"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Codes, AuthenticationRejection, ::testing::Values("10000002", "10000003", "10000008"));
@@ -498,6 +515,64 @@ TEST(EventRecorder, AChangedUserLosesAllLocalLogsOfTheFolder) {
     host.trigger();
     EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("3"));
     EXPECT_EQ(field(host.server->requests().back(), "userId"), "user-2");
+}
+
+TEST(EventRecorder, AUserWhoseNameIsNoUTF8IsTheSameOneAfterARejection) {
+    RecorderHost host;
+    for (const std::string name : {"J\xFCrgen", "\xE2\x82", "\xED\xA0\x80"}) {
+        host.userId = name;
+        host.start();
+        host.log();
+        host.trigger();
+        host.server->answerWith("10000003");
+        EXPECT_THAT(host.files("Upload"), Not(IsEmpty())) << "taken for another user";
+    }
+}
+
+TEST(EventRecorder, WithoutAStoredUserNobodyHasChanged) {
+    RecorderHost host;
+    host.start();
+    host.log();
+    host.trigger();
+    host.services.userDefaults->remove(storekeys::user);
+    host.userId = "user-2";
+    host.server->answerWith("10000003");
+    EXPECT_THAT(host.files("Upload"), SizeIs(1));
+    EXPECT_EQ(*host.services.userDefaults->object(storekeys::user)->as<std::string>(), "user-2");
+}
+
+TEST(EventRecorder, AClosureThatThrowsAtARejectionLeavesTheFormerCredentials) {
+    RecorderHost host;
+    bool throws = false;
+    host.start([&] {
+        if (throws) throw std::runtime_error("no network");
+        return std::make_shared<Authentication>("user-1", "token-1");
+    });
+    host.log();
+    host.trigger();
+    throws = true;
+    host.server->answerWith("10000003");
+    EXPECT_EQ(host.recorder->authenticationInfo()->authenticationToken(), "token-1");
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1"));
+    EXPECT_EQ(field(host.server->requests().back(), "authtoken"), "token-1");
+}
+
+TEST(EventRecorder, AnArchiveThatCannotBeSentAtAllIsRestoredForTheNextTrigger) {
+    RecorderHost host;
+    host.configuration->setUploadPath("no address");
+    host.start();
+    host.log();
+    for (int trigger = 0; trigger < 2; ++trigger) {
+        host.trigger();
+        EXPECT_THAT(host.server->requests(), IsEmpty());
+        EXPECT_THAT(host.files("Backup"), IsEmpty());
+        EXPECT_THAT(host.files("Upload"), SizeIs(1));
+    }
+    host.configuration->setUploadPath("http://127.0.0.1:1/upload");
+    host.start();
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().at(0)), ElementsAre("1"));
 }
 
 TEST(EventRecorder, AChangedUserLeavesTheLogsOfOtherApplications) {
@@ -645,6 +720,24 @@ TEST(EventRecorder, AnOldApplicationWhoseFoldersCannotBeReadIsNotTakenForEmpty) 
     host.settle();
     ASSERT_THAT(host.server->requests(), SizeIs(1));
     EXPECT_THAT(sentEvents(host.server->requests()[0]), ElementsAre("1"));
+}
+
+TEST(EventRecorder, AnApplicationWhoseNameIsNoUTF8IsKnownByOneName) {
+    RecorderHost host({.appName = "Caf\xE9"});
+    host.start();
+    host.log();
+    host.stop();
+    host.start();
+    EXPECT_THAT(host.knownApplications(), SizeIs(1));
+    host.switchTo("Bank");
+    host.settle();
+    ASSERT_THAT(host.server->requests(), SizeIs(1));
+    EXPECT_THAT(sentEvents(host.server->requests()[0]), ElementsAre("1"));
+    host.server->answerWith("200");
+    host.switchTo("Shop");
+    host.settle();
+    EXPECT_THAT(host.knownApplications(), ElementsAre("Shop"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(host.root / "data/Tallyfoot"), {}), 1);
 }
 
 TEST(EventRecorder, AKnownApplicationKeepsItsPlaceAndTakesItsNewFields) {
@@ -799,6 +892,14 @@ TEST(EventRecorderDeathTest, AClosureThatReturnsNothingIsFatal) {
     EXPECT_DEATH(EventRecorder::make(host.services, host.settings, host.configuration, application("Shop"),
                                      [] { return std::shared_ptr<Authentication>(); }),
                  "authentication closure returned nothing");
+}
+
+TEST(EventRecorderDeathTest, AClosureThatReturnsNothingAtARejectionIsFatal) {
+    RecorderHost host;
+    host.start([&] { return host.recorder ? nullptr : std::make_shared<Authentication>("user-1", "token-1"); });
+    host.log();
+    host.trigger();
+    EXPECT_DEATH(host.server->answerWith("10000003"), "authentication closure returned nothing");
 }
 
 TEST(EventRecorderDeathTest, AMissingClosureIsFatal) {

@@ -1,8 +1,8 @@
 #include "Tallyfoot/Events/IOSDetails.h"
 
-#include "Tallyfoot/Events/UTF8.h"
 #include "Tallyfoot/Platform/Bundle.h"
 #include "Tallyfoot/Platform/ProcessInfo.h"
+#include "Tallyfoot/Platform/UTF8.h"
 
 namespace tallyfoot {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Tallyfoot/Events/JSONText.h"
-#include "Tallyfoot/Events/UTF8.h"
+#include "Tallyfoot/Platform/UTF8.h"
 
 #include <array>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "Tallyfoot/Events/JSONText.h"
 
-#include "Tallyfoot/Events/UTF8.h"
+#include "Tallyfoot/Platform/UTF8.h"
 
 #include <algorithm>
 #include <array>

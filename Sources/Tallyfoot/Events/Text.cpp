@@ -1,9 +1,9 @@
 #include "Tallyfoot/Events/Text.h"
 
 #include "Tallyfoot/Events/DateFormatter.h"
-#include "Tallyfoot/Events/UTF8.h"
 #include "Tallyfoot/Platform/Exclusive.h"
 #include "Tallyfoot/Platform/FatalError.h"
+#include "Tallyfoot/Platform/UTF8.h"
 
 #include <unicode/brkiter.h>
 #include <unicode/utext.h>
@@ -109,25 +109,7 @@ std::optional<Data> utf8Data(std::string_view text) {
     return Data(text);
 }
 
-std::string utf8String(std::string_view bytes) {
-    std::string text;
-    text.reserve(bytes.size());
-    const auto* at = utf8::begin(bytes);
-    const auto* const end = utf8::end(bytes);
-    while (at != end) {
-        const auto* const plain = utf8::skipASCII(at, end);
-        text.append(reinterpret_cast<const char*>(at), static_cast<std::size_t>(plain - at));
-        for (at = plain; at != end && *at >= 0x80;) {
-            const auto sequence = utf8::sequence(at, end);
-            if (sequence.isWellFormed)
-                text.append(reinterpret_cast<const char*>(at), sequence.length);
-            else
-                text += utf8::replacementCharacter;
-            at += sequence.length;
-        }
-    }
-    return text;
-}
+std::string utf8String(std::string_view bytes) { return utf8::wellFormed(bytes); }
 
 bool isWellFormed(std::string_view bytes) noexcept {
     const auto* const end = utf8::end(bytes);

@@ -4,6 +4,7 @@
 #include "Tallyfoot/Platform/Coder.h"
 #include "Tallyfoot/Platform/FatalError.h"
 #include "Tallyfoot/Platform/PlatformServices.h"
+#include "Tallyfoot/Platform/UTF8.h"
 
 #include <utility>
 
@@ -28,8 +29,8 @@ std::string required(const Coder& coder, std::string_view key) {
 
 ApplicationInfo::ApplicationInfo(std::optional<std::string> appName, std::string appId, std::string bizArea,
                                  std::string bizAreaId)
-    : appName_(nameOrBundleName(std::move(appName))), appId_(std::move(appId)), bizArea_(std::move(bizArea)),
-      bizAreaId_(std::move(bizAreaId)) {}
+    : appName_(utf8::wellFormed(nameOrBundleName(std::move(appName)))), appId_(utf8::wellFormed(appId)),
+      bizArea_(utf8::wellFormed(bizArea)), bizAreaId_(utf8::wellFormed(bizAreaId)) {}
 
 ApplicationInfo::ApplicationInfo(std::string appId, std::string bizArea, std::string bizAreaId)
     : ApplicationInfo(std::nullopt, std::move(appId), std::move(bizArea), std::move(bizAreaId)) {}

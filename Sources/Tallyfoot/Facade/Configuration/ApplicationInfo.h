@@ -9,7 +9,8 @@ namespace tallyfoot {
 
 class Coder;
 
-// Who the host application is. Fixed once made.
+// Who the host application is. Fixed once made. What is ill-formed in a text becomes U+FFFD, as it
+// would in the store: an application is known again by its name.
 class TALLYFOOT_EXPORT ApplicationInfo {
 public:
     static constexpr const char* archiveClassName = "ApplicationInfo";

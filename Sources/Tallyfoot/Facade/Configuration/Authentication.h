@@ -1,18 +1,18 @@
 #pragma once
 
+#include "Tallyfoot/Export.h"
+
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace tallyfoot {
 
 // The user's credentials, made by the host whenever the library asks. The token is never stored.
-class Authentication {
+// What is ill-formed in a user id becomes U+FFFD, as it would in the store: a user is known again by it.
+class TALLYFOOT_EXPORT Authentication {
 public:
     Authentication(std::string userId, std::string authenticationToken,
-                   std::optional<std::string> userLogOnTime = std::nullopt)
-        : userId_(std::move(userId)), authenticationToken_(std::move(authenticationToken)),
-          userLogOnTime_(std::move(userLogOnTime)) {}
+                   std::optional<std::string> userLogOnTime = std::nullopt);
 
     const std::string& userId() const noexcept { return userId_; }
     const std::string& authenticationToken() const noexcept { return authenticationToken_; }

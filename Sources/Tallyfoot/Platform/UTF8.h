@@ -91,4 +91,25 @@ inline const unsigned char* begin(std::string_view text) noexcept {
 
 inline const unsigned char* end(std::string_view text) noexcept { return begin(text) + text.size(); }
 
+// The text with U+FFFD in the place of what is ill-formed.
+inline std::string wellFormed(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    const auto* at = begin(bytes);
+    const auto* const last = end(bytes);
+    while (at != last) {
+        const auto* const plain = skipASCII(at, last);
+        text.append(reinterpret_cast<const char*>(at), static_cast<std::size_t>(plain - at));
+        for (at = plain; at != last && *at >= 0x80;) {
+            const auto next = sequence(at, last);
+            if (next.isWellFormed)
+                text.append(reinterpret_cast<const char*>(at), next.length);
+            else
+                text += replacementCharacter;
+            at += next.length;
+        }
+    }
+    return text;
+}
+
 } // namespace tallyfoot::utf8
