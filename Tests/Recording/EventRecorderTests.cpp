@@ -6,6 +6,7 @@
 #include "Tallyfoot/Platform/KeyedArchiver.h"
 #include "Tallyfoot/Platform/UserDefaults.h"
 #include "Tallyfoot/Recording/StoreKeys.h"
+#include "Tallyfoot/Storage/ArchiveClaim.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -814,6 +815,27 @@ TEST(EventRecorder, WhatWasOnItsWayAtAKillIsSentAgainAfterTheNextStart) {
     host.trigger();
     ASSERT_EQ(host.server->waiting(), 1U);
     EXPECT_THAT(sentEvents(host.server->requests().back()), ElementsAre("1"));
+}
+
+TEST(EventRecorder, AnArchiveThatAnotherOneIsRestoringIsNotSent) {
+    RecorderHost host;
+    const auto disk = std::make_shared<ShakyDisk>();
+    host.services.fileManager = disk;
+    host.start();
+    host.log();
+    host.trigger();
+    disk->cannotChange = true;
+    host.server->answer(Error{"connection reset"});
+    disk->cannotChange = false;
+    const auto archive = host.folder("Shop", "Backup") / host.files("Backup").back(); // behind what is hidden
+    {
+        const ArchiveClaim claim(archive); // as a recorder before this one
+        host.trigger();
+        EXPECT_THAT(host.server->requests(), SizeIs(1));
+    }
+    host.trigger();
+    ASSERT_THAT(host.server->requests(), SizeIs(2));
+    EXPECT_THAT(sentEvents(host.server->requests()[1]), ElementsAre("1"));
 }
 
 TEST(EventRecorder, ARecorderThatFollowsAnotherSendsWhatThatOneHadUnderWay) {

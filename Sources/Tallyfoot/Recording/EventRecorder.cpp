@@ -8,6 +8,7 @@
 #include "Tallyfoot/Platform/URLSession.h"
 #include "Tallyfoot/Platform/UserDefaults.h"
 #include "Tallyfoot/Recording/StoreKeys.h"
+#include "Tallyfoot/Storage/PathNames.h"
 
 #include <algorithm>
 #include <array>
@@ -22,8 +23,6 @@ using namespace std::string_view_literals;
 
 // The service's words for "who are you?".
 constexpr std::array authenticationRejections{"10000003"sv, "10000008"sv, "10000002"sv};
-
-std::string lastPathComponent(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
 std::string describe(const UploadManager::Parameters& parameters) {
     if (parameters.empty()) return "[:]";
@@ -188,6 +187,7 @@ void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
 }
 
 bool EventRecorder::claim(const std::string& archivePath) {
+    if (FileHandler::isRestoring(archivePath)) return false; // by a recorder before this one
     if (uploadManager_->isUploading(lastPathComponent(archivePath))) return false;
     return claimedArchives_.modify([&](auto& claimed) { return claimed.insert(archivePath).second; });
 }
