@@ -9,7 +9,7 @@
 namespace tallyfoot {
 
 // The attributes of an event. Their texts are the keys of the stored record; several differ from
-// the case's name.
+// the case's name. Documentation/EventFormat.md says what each of them means.
 enum class LogAttribute {
     appName,
     crashReason,

@@ -54,14 +54,15 @@ void Tallyfoot::Implementation::updateApplicationInfo() {
         return isFree;
     });
     if (!isOurs) return;
-    // Who came meanwhile may have brought what was wrong: one more try. Not for ever, since a closure
+    // Who came meanwhile may have brought what was wrong: another try. Not for ever, since a closure
     // that fails may have left the word itself.
+    constexpr int mostFailures = 10;
     int failures = 0;
     bool isDone = false;
     while (!isDone) {
         if (!startRecording()) ++failures;
         isDone = start_.modify([&](Start& start) {
-            const bool goesOn = start == Start::wantedAgain && failures < 2;
+            const bool goesOn = start == Start::wantedAgain && failures < mostFailures;
             start = goesOn ? Start::underWay : Start::none;
             return !goesOn;
         });
