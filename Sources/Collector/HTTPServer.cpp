@@ -37,6 +37,9 @@ bool HTTPServer::process_and_close_socket(int socket) {
             bool clientCloses = false;
             open = process_request(connection, false, clientCloses, [&](httplib::Request& request) {
                 connection.endHead();
+                // The library would wait for the connection's end, as for an answer. Such a request has no body.
+                if (!request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
+                    request.set_header("Content-Length", "0");
                 // Otherwise the library would take a multipart body apart by its own, laxer rules.
                 if (request.is_multipart_form_data()) request.headers.erase("Content-Type");
                 request.headers.erase("Content-Encoding");

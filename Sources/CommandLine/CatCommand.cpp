@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
 
 namespace tallyfoot::commandline {
@@ -14,7 +15,10 @@ namespace {
 
 using collector::LogPiece;
 
-void complain(const std::string& subject, const std::string& complaint) {
+// An archive may name its entries as it likes, but not speak to the terminal.
+void complain(std::string subject, const std::string& complaint) {
+    std::replace_if(
+        subject.begin(), subject.end(), [](unsigned char byte) { return byte < 0x20 || byte == 0x7F; }, '?');
     std::cerr << "tallyfoot: " << subject << ": " << complaint << '\n';
 }
 

@@ -62,7 +62,7 @@ DemoCommand::DemoCommand(CLI::App& app, int& status) {
     auto* command = app.add_subcommand("demo", "Play a session against a local collector and settle the accounts");
     auto* quick = command->add_flag("--quick", isQuick_, "Some hundreds of events without pauses");
     command->add_option("--events", options_.events, "About how many events to log")
-        ->check(CLI::Range(1, 1000000))
+        ->check(CLI::Range(1500, 1000000)) // with fewer, a step would bring about no upload
         ->excludes(quick)
         ->capture_default_str();
     command->add_option("--threads", options_.threads, "Threads that log")

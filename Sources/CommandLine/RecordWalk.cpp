@@ -58,9 +58,11 @@ void walkFile(const fs::path& path, const RecordVisitor& visitor) {
     }
 }
 
-bool isWanted(const fs::path& path) {
-    const auto extension = path.extension();
-    return (extension == ".log" || extension == ".zip") && !path.filename().string().starts_with('.');
+bool isWanted(const fs::directory_entry& entry) {
+    const auto extension = entry.path().extension();
+    if ((extension != ".log" && extension != ".zip") || entry.path().filename().string().starts_with('.')) return false;
+    std::error_code unknown; // a file that cannot be looked at shows when it is read
+    return !entry.is_directory(unknown) && !entry.is_fifo(unknown); // a pipe would be waited for
 }
 
 void walkFolder(const fs::path& folder, const RecordVisitor& visitor) {
@@ -68,8 +70,7 @@ void walkFolder(const fs::path& folder, const RecordVisitor& visitor) {
     std::error_code failure;
     fs::recursive_directory_iterator entry(folder, failure);
     while (!failure && entry != fs::recursive_directory_iterator()) {
-        std::error_code unknown; // a file that cannot be looked at shows when it is read
-        if (isWanted(entry->path()) && !entry->is_directory(unknown)) files.push_back(entry->path());
+        if (isWanted(*entry)) files.push_back(entry->path());
         entry.increment(failure);
     }
     if (failure) visitor.unreadable(folder.string(), failure.message());

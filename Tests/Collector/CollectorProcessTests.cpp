@@ -327,6 +327,17 @@ TEST(CollectorProcess, ResetForgetsEverything) {
     EXPECT_EQ(collector.confirmed().size(), 1U);
 }
 
+TEST(CollectorProcess, APostWithoutALengthHasNoBodyAndIsAnsweredAtOnce) {
+    CollectorProcess collector;
+    const auto before = std::chrono::steady_clock::now();
+    const auto reset = talk(collector.port(), "POST /v1/reset HTTP/1.1\r\nHost: x\r\n\r\n");
+    EXPECT_EQ(reset.status, 200);
+    EXPECT_EQ(reset.body, "{}");
+    EXPECT_EQ(talk(collector.port(), "POST /upload HTTP/1.1\r\nHost: x\r\n\r\n").status, 400);
+    EXPECT_EQ(collector.uploads().at(0).at("bodyBytes"), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
+}
+
 TEST(CollectorProcess, IsHealthyAndEndsPolitely) {
     CollectorProcess collector;
     EXPECT_EQ(collector.get("/healthz").body, (json{{"status", "ok"}}));

@@ -107,6 +107,26 @@ TEST(Cat, ADanglingLinkFailsWithAMessage) {
     EXPECT_EQ(runTool({"cat", folder.path().string()}).status, 1);
 }
 
+TEST(Cat, APipeInAFolderIsNotWaitedFor) {
+    TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo((folder / "a.log").c_str(), 0600), 0);
+    writeFile(folder / "b.log", log({two}));
+    const auto run = runTool({"cat", folder.path().string()});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.lines, List{two});
+}
+
+TEST(Cat, AnEntrysNameDoesNotSpeakToTheTerminal) {
+    TemporaryFolder folder;
+    auto bytes = archive({{"a[2Jb.log", "no record"}});
+    for (std::size_t at = 0; (at = bytes.find("a[2Jb.log", at)) != std::string::npos;)
+        bytes.replace(at, 5, "\x1B[2J\n");
+    writeFile(folder / "a.zip", bytes);
+    const auto run = runTool({"cat", folder / "a.zip"});
+    EXPECT_EQ(run.complaints,
+              "tallyfoot: " + (folder / "a.zip") + ": ?[2J?.log: ends in an unfinished record: 9 bytes at offset 0\n");
+}
+
 TEST(Cat, WhatIsNoArchiveFailsWithAMessage) {
     TemporaryFolder folder;
     writeFile(folder / "a.zip", "no archive");

@@ -34,6 +34,13 @@ TEST(Demo, KeepsItsFilesWhenAskedTo) {
     EXPECT_EQ(left.lines.size(), 7U);
 }
 
+TEST(Demo, AccountsForEveryEventOfTheShortestSession) {
+    TemporaryFolder folder;
+    const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --events 1500 --threads 16");
+    EXPECT_EQ(run.status, 0) << text(run);
+    EXPECT_EQ(runTool({"demo", "--events", "1499"}).status, 2);
+}
+
 TEST(Demo, FailsWithAMessageWhereItCannotWork) {
     const auto run = runShell("TMPDIR=/dev/null " + tool() + " demo --quick");
     EXPECT_EQ(run.status, 1);
