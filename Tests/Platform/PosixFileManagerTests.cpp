@@ -86,6 +86,21 @@ TEST(PosixFileHandle, LooksForItsFileEachTimeWhereTheSystemHasNoWatchToGive) {
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
 }
 
+TEST(PosixFileHandle, IsInPlaceWhileItsFolderMayNotBeEntered) {
+    TemporaryFolder folder;
+    EXPECT_TRUE(asOrdinaryUser(folder, [&] {
+        PosixFileManager files;
+        if (!files.createDirectory(folder / "inner") || !files.writeAtomically(folder / "inner/a", {})) return false;
+        auto handle = files.fileHandleForWriting(folder / "inner/a");
+        if (!handle || !handle.value()->isInPlace()) return false;
+        std::filesystem::permissions(folder / "inner/a", std::filesystem::perms::owner_read); // worth another look
+        std::filesystem::permissions(folder / "inner", std::filesystem::perms::none);
+        const bool isInPlace = handle.value()->isInPlace();
+        std::filesystem::permissions(folder / "inner", std::filesystem::perms::owner_all);
+        return isInPlace && files.removeItem(folder / "inner/a") && !handle.value()->isInPlace();
+    }));
+}
+
 TEST(PosixFileManager, AWriteThatDoesNotFitKeepsTheOldFileAndLeavesNothingBeside) {
     TemporaryFolder folder;
     writeFile(folder / "a", "old");

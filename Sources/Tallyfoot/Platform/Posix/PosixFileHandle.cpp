@@ -60,10 +60,13 @@ bool PosixFileHandle::isInPlace() {
     watch_.emplace(descriptor_.number(), path_); // before the look, so that nothing falls in between
     struct stat opened {};
     struct stat found {};
-    const bool isInPlace = ::fstat(descriptor_.number(), &opened) == 0 && ::stat(path_.c_str(), &found) == 0
-                           && opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
-    if (!isInPlace) watch_.reset();
-    return isInPlace;
+    const bool isKnown = ::fstat(descriptor_.number(), &opened) == 0;
+    const int failure = ::stat(path_.c_str(), &found) == 0 ? 0 : errno;
+    if (isKnown && failure == 0 && opened.st_dev == found.st_dev && opened.st_ino == found.st_ino) return true;
+    watch_.reset();
+    // Where we may not look at the moment nothing can be opened either: what is open is worth keeping.
+    const bool isGone = failure == 0 || failure == ENOENT || failure == ENOTDIR;
+    return isKnown && !isGone && opened.st_nlink > 0;
 }
 
 Result<std::size_t> PosixFileHandle::read(std::uint64_t offset, std::span<char> buffer) const {
