@@ -33,7 +33,7 @@ TEST(Stress, EveryEventIsAccountedForWhileThreadsTimersSwitchesAndABadServerRunA
     CollectorProcess collector({"--random-faults", "7"});
 
     const PlatformServices& services = defaultPlatformServices();
-    Settings settings;
+    Settings& settings = processSettings(); // an upload or a tick may be under way when the test ends
     settings.showOutput = false;
     auto configuration = std::make_shared<UploadConfiguration>(10, 10);
     configuration->setUploadPath(collector.url());
@@ -41,7 +41,7 @@ TEST(Stress, EveryEventIsAccountedForWhileThreadsTimersSwitchesAndABadServerRunA
                                               [] { return std::make_shared<Authentication>("user-1", "token-1"); });
 
     std::atomic<bool> isOver = false;
-    const auto trigger = [&](Repeater&) { recorder->triggerUpload(); };
+    const auto trigger = [recorder](Repeater&) { recorder->triggerUpload(); };
     auto first =
         Repeater::every(*services.dispatch, RepeaterInterval::milliseconds(10), std::nullopt, nullptr, trigger);
     auto second =

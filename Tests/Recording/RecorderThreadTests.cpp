@@ -57,7 +57,10 @@ std::string statusOnly(const std::string& code) {
 class RecorderThreads : public ::testing::Test {
 protected:
     RecorderThreads() {
-        host.services.dispatch = defaultPlatformServices().dispatch;
+        // So that the host settles at its end: an upload that still runs then would outlive what it uses.
+        host.dispatch =
+            std::make_shared<ManualDispatch>(ManualDispatch::Options{.realQueues = true, .clock = host.clock});
+        host.services.dispatch = host.dispatch;
         host.services.makeURLSession = [this] { return session; };
         host.start([this] { return authenticate(); });
     }
