@@ -31,8 +31,10 @@ struct CollectorOptions {
 //                     those before, "random": seed lets chance decide once none is left
 //   GET  /v1/events   ?type= &after= &accepted= &duplicate=
 //   GET  /v1/uploads, /v1/problems, /v1/summary
-//   POST /v1/expect   {"count", "type", "match", "timeoutMilliseconds", "after", "all"}: waits; 408 with the nearest
-//   misses POST /v1/reset    forgets everything, faults too GET  /healthz
+//   POST /v1/expect   {"count", "type", "match", "timeoutMilliseconds", "after", "all"}: waits; 408 with
+//                     the nearest misses
+//   POST /v1/reset    forgets everything, faults too
+//   GET  /healthz
 class CollectorServer {
 public:
     explicit CollectorServer(const CollectorOptions& options); // throws DatabaseError

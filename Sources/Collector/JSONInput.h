@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 namespace tallyfoot::collector {
@@ -14,7 +15,7 @@ namespace tallyfoot::collector {
 // Refuses what nests deeper than a record may: a value is copied and written by functions that call themselves.
 nlohmann::json parsedInput(std::string_view text);
 
-// Letter for letter: the JSON library would take -1, 1.5 and true for numbers of any kind.
+// The JSON library would take -1, 1.5 and true for whole numbers, too.
 template <class Number>
 Number wholeNumber(const nlohmann::json& value, Number largest = std::numeric_limits<Number>::max()) {
     if (!value.is_number_unsigned() || value.get<std::uint64_t>() > static_cast<std::uint64_t>(largest))
