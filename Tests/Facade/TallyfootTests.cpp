@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -782,6 +783,17 @@ TEST_F(TallyfootTest, EveryCallMayComeAtOnce) {
     Tallyfoot::log("last", {});
     ASSERT_THAT(records(), Not(IsEmpty()));
     EXPECT_EQ(records().back()["evtType"], "last");
+}
+
+TEST_F(TallyfootTest, ErrnoIsLeftAsItWas) {
+    errno = EDOM;
+    start(); // looks for much that is not there yet
+    EXPECT_EQ(errno, EDOM);
+    std::filesystem::remove_all(root_ / "data");
+    errno = EDOM;
+    Tallyfoot::log("a", {}); // makes the folders again
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_THAT(records(), SizeIs(1));
 }
 
 TEST_F(TallyfootTest, IllFormedTextIsRecordedWithReplacementCharacters) {

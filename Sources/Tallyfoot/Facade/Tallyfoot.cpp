@@ -6,15 +6,26 @@
 #include "Tallyfoot/Platform/FatalError.h"
 #include "Tallyfoot/Platform/Screen.h"
 
+#include <cerrno>
 #include <utility>
 
 namespace tallyfoot {
 
 namespace {
 
+// A host may log a failure before it looks at the failure's number.
+struct KeptErrorNumber {
+    const int number = errno;
+    KeptErrorNumber() = default;
+    ~KeptErrorNumber() { errno = number; }
+    KeptErrorNumber(const KeptErrorNumber&) = delete;
+    KeptErrorNumber& operator=(const KeptErrorNumber&) = delete;
+};
+
 // No exception reaches a host: what memory runs out for is dropped.
 template <class Block>
 void guarded(Block&& block) noexcept {
+    const KeptErrorNumber kept;
     try {
         std::forward<Block>(block)();
     } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
@@ -23,6 +34,7 @@ void guarded(Block&& block) noexcept {
 
 template <class Value, class Block>
 Value guardedValue(Block&& block) noexcept {
+    const KeptErrorNumber kept;
     try {
         return std::forward<Block>(block)();
     } catch (...) {

@@ -23,9 +23,9 @@ namespace tallyfoot {
 
 // The one class through which a host switches the library on, sets it up and logs events of its
 // own: `setAppInfo` and `configure`, then `log`. Every call may come from any thread, also while the
-// process ends; none throws (making its arguments may, when memory runs out). Not for a child process
-// forked afterwards: a thread that the child does not have may hold a lock. Nor for a thread that is
-// cancelled (pthread_cancel) inside a call: that ends the process.
+// process ends; none throws (making its arguments may, when memory runs out), and each leaves errno as
+// it was. Not for a child process forked afterwards: a thread that the child does not have may hold a
+// lock. Nor for a thread that is cancelled (pthread_cancel) inside a call: that ends the process.
 class TALLYFOOT_EXPORT Tallyfoot {
 public:
     // Asked for the user's credentials when recording starts and whenever the server rejects the
@@ -64,8 +64,9 @@ public:
     // An event is on disk when its call returns. What is dropped is dropped silently: events of an
     // ignored category, without any attribute or custom data, or before the recording has started.
     // Custom data that cannot be serialised is left out and its event kept. A type given as a text is
-    // written as it is; a number that is no EventType is fatal. What a call sets itself wins over what
-    // every event gets: "evtLclTimestamp", "evtId", "pgName" (the current screen), "pgPrnt" and "evtType".
+    // written as it is; a number that is no EventType is fatal. No type or JSON text may be a null
+    // pointer. What a call sets itself wins over what every event gets: "evtLclTimestamp", "evtId",
+    // "pgName" (the current screen), "pgPrnt" and "evtType".
 
     static void log(EventType type, Attributes attributes,
                     const CustomAttributes& customAttributes = std::nullopt) noexcept;
