@@ -2,9 +2,11 @@
 #include "Tallyfoot/Platform/Posix/PosixURLSession.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <future>
@@ -47,6 +49,37 @@ TEST(ExitGate, AForkedChildEndsWithoutWaitingForThreadsThatItDoesNotHave) {
     }
     leave.set_value();
     EXPECT_TRUE(wasQuick);
+}
+
+std::atomic<bool> isEnding = false;
+std::atomic<bool> isReleased = false;
+
+void releaseSlowly(void*) {
+    while (!isEnding) std::this_thread::yield();
+    for (int turn = 0; turn < 200; ++turn) std::this_thread::yield();
+    isReleased = true;
+}
+
+TEST(ExitGate, TheProcessEndsAfterWhatIsKeptForAThreadThatEnds) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        std::atexit([] { ::_exit(isReleased ? 0 : 1); });
+        ExitGate::install();
+        std::atexit([] { isEnding = true; });
+        std::promise<void> isAtItsEnd;
+        std::thread([&] {
+            pthread_key_t key{};
+            ::pthread_key_create(&key, releaseSlowly);
+            ::pthread_setspecific(key, &isReleased);
+            ExitGate::passUntilThreadEnds();
+            isAtItsEnd.set_value();
+        }).detach();
+        isAtItsEnd.get_future().wait();
+        std::exit(1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 TEST(ExitGate, TheProcessMayEndWhileItsFirstRequestBegins) {

@@ -1,6 +1,8 @@
 #include "PlatformData/SessionHost.h"
 #include "Support/ScriptedServer.h"
 
+#include "Tallyfoot/Platform/Posix/FileDescriptor.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -26,23 +28,44 @@ using namespace std::chrono_literals;
 using Ending = ScriptedServer::Ending;
 using Reading = ScriptedServer::Reading;
 
+bool isConnectedTo(int port, int file) {
+    sockaddr_in peer{};
+    socklen_t length = sizeof peer;
+    return ::getpeername(file, reinterpret_cast<sockaddr*>(&peer), &length) == 0 && peer.sin_family == AF_INET
+           && ntohs(peer.sin_port) == port;
+}
+
+// One of the pair by which the session's thread is woken.
+bool isLocalSocket(int file) {
+    sockaddr_storage own{};
+    socklen_t length = sizeof own;
+    return ::getsockname(file, reinterpret_cast<sockaddr*>(&own), &length) == 0 && own.ss_family == AF_UNIX;
+}
+
+// Answers nobody, and has no thread that would open anything.
+class SilentServer {
+public:
+    SilentServer() {
+        sockaddr_in address{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+        auto* const name = reinterpret_cast<sockaddr*>(&address);
+        socklen_t length = sizeof address;
+        EXPECT_EQ(::bind(listener_.number(), name, length), 0);
+        EXPECT_EQ(::listen(listener_.number(), 1), 0);
+        EXPECT_EQ(::getsockname(listener_.number(), name, &length), 0);
+        port_ = ntohs(address.sin_port);
+    }
+
+    int port() const { return port_; }
+    std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
+    FileDescriptor accept() { return FileDescriptor(::accept(listener_.number(), nullptr, nullptr)); }
+
+private:
+    FileDescriptor listener_{::socket(AF_INET, SOCK_STREAM, 0)};
+    int port_ = 0;
+};
+
 class PosixURLSessionTest : public ::testing::Test {
 protected:
-    bool isConnectedToServer(int file) const {
-        sockaddr_in peer{};
-        socklen_t length = sizeof peer;
-        return ::getpeername(file, reinterpret_cast<sockaddr*>(&peer), &length) == 0 && peer.sin_family == AF_INET
-               && ntohs(peer.sin_port) == server.port();
-    }
-
-    // A connection, or the pair of sockets by which its thread is woken.
-    bool isOfSession(int file) const {
-        sockaddr_storage own{};
-        socklen_t length = sizeof own;
-        return isConnectedToServer(file)
-               || (::getsockname(file, reinterpret_cast<sockaddr*>(&own), &length) == 0 && own.ss_family == AF_UNIX);
-    }
-
     ScriptedServer server;
     SessionHost host;
 };
@@ -86,18 +109,23 @@ TEST_F(PosixURLSessionTest, SendsALargeBodyWholeAndWithoutAskingForLeave) {
     EXPECT_EQ(seen.head.find("Expect"), std::string::npos) << seen.head;
 }
 
-TEST_F(PosixURLSessionTest, NothingOfItIsAStandardStreamThatTheHostHasClosed) {
+TEST(PosixURLSession, NothingOfItIsAStandardStreamThatTheHostHasClosed) {
+    SilentServer server;
     constexpr std::array streams{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
-    std::array<int, 3> kept{};
+    std::array<int, streams.size()> kept{};
     std::transform(streams.begin(), streams.end(), kept.begin(), ::dup);
     for (const int stream : streams) ::close(stream);
-    const auto answer = host.fetch(post(server.url()));
-    const auto ours = std::count_if(streams.begin(), streams.end(), [&](int stream) { return isOfSession(stream); });
+    SessionHost host;
+    const auto answer = host.start(post(server.url()));
+    const auto accepted = server.accept();
+    const auto ours = std::count_if(streams.begin(), streams.end(), [&](int stream) {
+        return isConnectedTo(server.port(), stream) || isLocalSocket(stream);
+    });
     for (std::size_t place = 0; place < streams.size(); ++place) {
         ::dup2(kept[place], streams[place]);
         ::close(kept[place]);
     }
-    expectBody(answer, "{}");
+    EXPECT_TRUE(accepted);
     EXPECT_EQ(ours, 0);
 }
 
@@ -105,7 +133,7 @@ TEST_F(PosixURLSessionTest, ItsConnectionIsClosedInAProgramThatTheHostBecomes) {
     expectBody(host.fetch(post(server.url())), "{}");
     int connections = 0;
     for (int file = 0; file < 1024; ++file) {
-        if (!isConnectedToServer(file)) continue;
+        if (!isConnectedTo(server.port(), file)) continue;
         ++connections;
         EXPECT_EQ(::fcntl(file, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
     }

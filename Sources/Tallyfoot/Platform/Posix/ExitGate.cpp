@@ -2,12 +2,12 @@
 
 #include "Tallyfoot/Platform/Posix/Condition.h"
 
+#include <pthread.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <memory>
+#include <new>
 
 namespace tallyfoot {
 
@@ -15,21 +15,19 @@ namespace {
 
 // Never released: the gate outlives everything that the process's end destroys.
 struct Gate {
-    const pid_t process = ::getpid();
     Mutex mutex;
     Condition left;
     int inside TALLYFOOT_GUARDED_BY(mutex) = 0;
     bool isClosed TALLYFOOT_GUARDED_BY(mutex) = false;
 };
 
-// A forked child has none of the threads, and may have the mutex as one of them held it: it begins anew.
 Gate& gate() {
-    static std::atomic<Gate*> current = new Gate;
-    Gate* gate = current;
-    if (gate->process == ::getpid()) return *gate;
-    auto mine = std::make_unique<Gate>();
-    return current.compare_exchange_strong(gate, mine.get()) ? *mine.release() : *gate;
+    static auto& gate = *new Gate;
+    return gate;
 }
+
+// A forked child has none of the threads, and may have the mutex as one of them held it.
+void beginAnew() { new (&gate()) Gate; }
 
 thread_local bool isInside = false;
 
@@ -47,14 +45,7 @@ void close() {
     for (;;) ::pause();
 }
 
-} // namespace
-
-void ExitGate::install() {
-    gate();
-    std::atexit(close);
-}
-
-ExitGate::Pass::Pass() {
+void enter() {
     auto& gate = tallyfoot::gate();
     bool isClosed = false;
     {
@@ -66,12 +57,50 @@ ExitGate::Pass::Pass() {
     isInside = true;
 }
 
-ExitGate::Pass::~Pass() {
+void leave() {
     auto& gate = tallyfoot::gate();
     isInside = false;
     MutexLock lock(gate.mutex);
     --gate.inside;
     gate.left.notifyAll();
 }
+
+// A thread's end goes round all that is kept for threads, in no order that we could rely on, and comes
+// again to what was set once more: our second time is after everybody's first.
+struct AtThreadsEnd {
+    pthread_key_t key{};
+    const bool isMade = ::pthread_key_create(&key, visit) == 0;
+    char firstRound = 0;
+    char secondRound = 0;
+
+    static AtThreadsEnd& shared() {
+        static AtThreadsEnd shared;
+        return shared;
+    }
+
+    static void visit(void* round) {
+        auto& end = shared();
+        if (round != &end.firstRound || ::pthread_setspecific(end.key, &end.secondRound) != 0) leave();
+    }
+};
+
+} // namespace
+
+void ExitGate::install() {
+    gate();
+    ::pthread_atfork(nullptr, nullptr, beginAnew);
+    std::atexit(close);
+}
+
+void ExitGate::passUntilThreadEnds() {
+    auto& end = AtThreadsEnd::shared();
+    if (!end.isMade) return;
+    enter();
+    if (::pthread_setspecific(end.key, &end.firstRound) != 0) leave();
+}
+
+ExitGate::Pass::Pass() { enter(); }
+
+ExitGate::Pass::~Pass() { leave(); }
 
 } // namespace tallyfoot

@@ -10,6 +10,10 @@ public:
     // Once, after the TLS library was set up, so that the gate closes before it is torn down.
     static void install();
 
+    // For a thread that comes to its end: it stays inside until what TLS keeps for a thread has been
+    // released with the thread.
+    static void passUntilThreadEnds();
+
     // Never held while anybody else's code runs.
     class Pass {
     public:

@@ -135,6 +135,7 @@ private:
             if (isIdle) wait();
         }
         tearDown();
+        ExitGate::passUntilThreadEnds();
     }
 
     bool setUp() {
