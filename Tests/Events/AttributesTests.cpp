@@ -120,5 +120,17 @@ TEST(Attributes, BehaveAsAMapDoes) {
     EXPECT_EQ(entries(attributes), Entries(map.begin(), map.end()));
 }
 
+TEST(Attributes, AKeyThatIsNoneOfTheCasesIsDropped) {
+    for (const int number : {18, 31, 32, 64, -1}) {
+        const auto key = static_cast<LogAttribute>(number);
+        Attributes attributes{{key, "x"}};
+        attributes.set(key, std::string("x"));
+        attributes.remove(key);
+        EXPECT_TRUE(attributes.empty());
+        EXPECT_FALSE(attributes.contains(key));
+        EXPECT_EQ(attributes.find(key), nullptr);
+    }
+}
+
 } // namespace
 } // namespace tallyfoot

@@ -14,16 +14,19 @@ Attributes Attributes::fromTexts(const TextAttributes& texts) {
 }
 
 void Attributes::set(LogAttribute key, std::string_view text) {
+    if (!isCase(key)) return;
     texts_[index(key)] = text;
     present_ |= bit(key);
 }
 
 void Attributes::set(LogAttribute key, std::string&& text) {
+    if (!isCase(key)) return;
     texts_[index(key)] = std::move(text);
     present_ |= bit(key);
 }
 
 void Attributes::remove(LogAttribute key) {
+    if (!contains(key)) return;
     texts_[index(key)].clear();
     present_ &= ~bit(key);
 }

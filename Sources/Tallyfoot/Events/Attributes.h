@@ -19,7 +19,8 @@ namespace tallyfoot {
 using TextAttributes = std::map<std::string, std::string, std::less<>>;
 
 // A dictionary from LogAttribute to text: a small value with one place per case, so that nothing
-// is allocated beyond the texts. Enumerates in declaration order.
+// is allocated beyond the texts. Enumerates in declaration order. A key that is none of the cases is
+// dropped.
 class TALLYFOOT_EXPORT Attributes {
 public:
     // One in braces: {LogAttribute::evtLabel, "Buy"}. A missing text (nullptr) is an empty one.
@@ -42,7 +43,7 @@ public:
 
     std::size_t size() const noexcept { return static_cast<std::size_t>(std::popcount(present_)); }
 
-    bool contains(LogAttribute key) const noexcept { return (present_ & bit(key)) != 0; }
+    bool contains(LogAttribute key) const noexcept { return isCase(key) && (present_ & bit(key)) != 0; }
 
     // The value, or nullptr when there is none.
     const std::string* find(LogAttribute key) const noexcept { return contains(key) ? &texts_[index(key)] : nullptr; }
@@ -69,6 +70,9 @@ public:
     bool operator==(const Attributes& other) const;
 
 private:
+    // A number that a caller has cast may name no place.
+    static constexpr bool isCase(LogAttribute key) noexcept { return index(key) < logAttributeTexts.size(); }
+
     static constexpr std::size_t index(LogAttribute key) noexcept { return static_cast<std::size_t>(key); }
 
     static constexpr std::uint32_t bit(LogAttribute key) noexcept { return std::uint32_t{1} << index(key); }
