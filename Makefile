@@ -4,6 +4,7 @@
 .DEFAULT_GOAL := help
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 PREFIX ?= /usr/local
+ROUNDS ?= 300
 # ThreadSanitizer wants the fixed layout of addresses; where a container forbids that, we go without.
 FIXED_LAYOUT := $(shell setarch -R true 2>/dev/null && echo setarch -R)
 export CCACHE_SLOPPINESS = pch_defines,time_macros
@@ -13,7 +14,7 @@ configured = @test build/$(1)/build.ninja -nt CMakePresets.json || cmake --prese
 
 .PHONY: help
 help: ## this list
-	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-12s %s\n", $$1, $$2}' $(firstword $(MAKEFILE_LIST))
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-13s %s\n", $$1, $$2}' $(firstword $(MAKEFILE_LIST))
 
 .PHONY: demo
 demo: ## a local collector and a small host, from the first event to the confirmed upload
@@ -85,6 +86,13 @@ fuzz-short: ## half a minute of fuzzing for each target
 	$(call configured,fuzz)
 	@cmake --build --preset fuzz
 	@Scripts/run-fuzzers build/fuzz 30
+
+.PHONY: kill-campaign
+kill-campaign: ## hundreds of kills at random moments: not one acknowledged event is missing
+	@Scripts/install-dependencies build test
+	$(call configured,release)
+	@cmake --build --preset release --target IntegrationTests
+	@TALLYFOOT_KILL_ROUNDS=$(ROUNDS) build/release/Tests/Integration/IntegrationTests --gtest_filter='*Kill*'
 
 .PHONY: install
 install: ## the library, its package files and the tool, below PREFIX (/usr/local)

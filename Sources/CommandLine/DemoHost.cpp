@@ -125,6 +125,7 @@ void DemoHost::log(std::int64_t count, std::int64_t pauseMicroseconds, const std
         return count / options_.threads + (thread < count % options_.threads ? 1 : 0);
     };
     std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(options_.threads));
     for (int thread = 0; thread < options_.threads; ++thread) {
         threads.emplace_back([&, thread, mine = share(thread)] {
             std::int64_t untold = 0;

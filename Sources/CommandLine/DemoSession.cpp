@@ -68,7 +68,7 @@ void DemoSession::play() {
     progress_.step("A collector and a host start, each a process of its own");
     waitUntil("the host starts", [this] { return !isHostBusy_; });
     const auto triggers =
-        5 * (options_.eventsCount + 1) + leftOnDisk + loggedWhileAsked; // of the steps without a count
+        std::int64_t{5} * (options_.eventsCount + 1) + leftOnDisk + loggedWhileAsked; // of the steps without a count
     const auto share = std::max<std::int64_t>((options_.events - triggers) / 4, options_.threads);
     logFromSeveralThreads(2 * share);
     failOnce("The connection is reset in the middle of an upload",

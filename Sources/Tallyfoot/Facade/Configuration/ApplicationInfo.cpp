@@ -27,13 +27,13 @@ std::string required(const Coder& coder, std::string_view key) {
 
 } // namespace
 
-ApplicationInfo::ApplicationInfo(std::optional<std::string> appName, std::string appId, std::string bizArea,
-                                 std::string bizAreaId)
+ApplicationInfo::ApplicationInfo(std::optional<std::string> appName, std::string_view appId, std::string_view bizArea,
+                                 std::string_view bizAreaId)
     : appName_(utf8::wellFormed(nameOrBundleName(std::move(appName)))), appId_(utf8::wellFormed(appId)),
       bizArea_(utf8::wellFormed(bizArea)), bizAreaId_(utf8::wellFormed(bizAreaId)) {}
 
-ApplicationInfo::ApplicationInfo(std::string appId, std::string bizArea, std::string bizAreaId)
-    : ApplicationInfo(std::nullopt, std::move(appId), std::move(bizArea), std::move(bizAreaId)) {}
+ApplicationInfo::ApplicationInfo(std::string_view appId, std::string_view bizArea, std::string_view bizAreaId)
+    : ApplicationInfo(std::nullopt, appId, bizArea, bizAreaId) {}
 
 ApplicationInfo::ApplicationInfo(const Coder& coder)
     : appName_(nameOrBundleName(coder.decode("appName"))), appId_(required(coder, "appId")),

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tallyfoot {
 
@@ -16,8 +17,9 @@ public:
     static constexpr const char* archiveClassName = "ApplicationInfo";
 
     // Without a name, or with none given, the main bundle's "CFBundleName" is used.
-    ApplicationInfo(std::optional<std::string> appName, std::string appId, std::string bizArea, std::string bizAreaId);
-    ApplicationInfo(std::string appId, std::string bizArea, std::string bizAreaId);
+    ApplicationInfo(std::optional<std::string> appName, std::string_view appId, std::string_view bizArea,
+                    std::string_view bizAreaId);
+    ApplicationInfo(std::string_view appId, std::string_view bizArea, std::string_view bizAreaId);
 
     // Archived by key under the fields' own names, in their order. Decoding is fatal without
     // "appId", "bizArea" or "bizAreaId"; without "appName" it takes the bundle's name.

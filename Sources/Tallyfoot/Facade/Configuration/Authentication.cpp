@@ -6,7 +6,7 @@
 
 namespace tallyfoot {
 
-Authentication::Authentication(std::string userId, std::string authenticationToken,
+Authentication::Authentication(std::string_view userId, std::string authenticationToken,
                                std::optional<std::string> userLogOnTime)
     : userId_(utf8::wellFormed(userId)), authenticationToken_(std::move(authenticationToken)),
       userLogOnTime_(std::move(userLogOnTime)) {}

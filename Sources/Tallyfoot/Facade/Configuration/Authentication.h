@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tallyfoot {
 
@@ -11,7 +12,7 @@ namespace tallyfoot {
 // What is ill-formed in a user id becomes U+FFFD, as it would in the store: a user is known again by it.
 class TALLYFOOT_EXPORT Authentication {
 public:
-    Authentication(std::string userId, std::string authenticationToken,
+    Authentication(std::string_view userId, std::string authenticationToken,
                    std::optional<std::string> userLogOnTime = std::nullopt);
 
     const std::string& userId() const noexcept { return userId_; }
