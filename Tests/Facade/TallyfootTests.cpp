@@ -796,6 +796,12 @@ TEST_F(TallyfootTest, ErrnoIsLeftAsItWas) {
     EXPECT_THAT(records(), SizeIs(1));
 }
 
+TEST(TallyfootShared, MakingTheSharedInstanceLeavesErrnoAsItWas) {
+    errno = EDOM;
+    Tallyfoot::appInfo(); // the first call of all
+    EXPECT_EQ(errno, EDOM);
+}
+
 TEST_F(TallyfootTest, IllFormedTextIsRecordedWithReplacementCharacters) {
     start();
     Tallyfoot::log(EventType::action, {{LogAttribute::evtLabel, "a\xFF\x62"}});

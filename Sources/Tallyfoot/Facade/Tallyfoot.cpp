@@ -53,7 +53,10 @@ Tallyfoot::~Tallyfoot() = default;
 Tallyfoot& Tallyfoot::shared() noexcept {
     // Never released: a host may log while its process ends. A process without memory for this one
     // object has none for anything.
-    static auto* const instance = new Tallyfoot(); // NOLINT(bugprone-unhandled-exception-at-new)
+    static auto* const instance = [] {
+        const KeptErrorNumber kept;
+        return new Tallyfoot(); // NOLINT(bugprone-unhandled-exception-at-new)
+    }();
     return *instance;
 }
 
