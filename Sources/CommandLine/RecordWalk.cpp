@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tallyfoot::commandline {
@@ -65,15 +66,28 @@ bool isWanted(const fs::directory_entry& entry) {
     return !entry.is_directory(unknown) && !entry.is_fifo(unknown); // a pipe would be waited for
 }
 
-void walkFolder(const fs::path& folder, const RecordVisitor& visitor) {
+bool isFolder(const fs::directory_entry& entry) {
+    std::error_code unknown;
+    return entry.symlink_status(unknown).type() == fs::file_type::directory;
+}
+
+void walkFolder(const fs::path& top, const RecordVisitor& visitor) {
     std::vector<fs::path> files;
-    std::error_code failure;
-    fs::recursive_directory_iterator entry(folder, failure);
-    while (!failure && entry != fs::recursive_directory_iterator()) {
-        if (isWanted(*entry)) files.push_back(entry->path());
-        entry.increment(failure);
+    std::vector<fs::path> folders{top};
+    while (!folders.empty()) {
+        const auto folder = std::move(folders.back());
+        folders.pop_back();
+        std::error_code failure;
+        for (fs::directory_iterator entry(folder, failure); !failure && entry != fs::directory_iterator();
+             entry.increment(failure)) {
+            if (isFolder(*entry)) {
+                folders.push_back(entry->path());
+            } else if (isWanted(*entry)) {
+                files.push_back(entry->path());
+            }
+        }
+        if (failure) visitor.unreadable(folder.string(), failure.message());
     }
-    if (failure) visitor.unreadable(folder.string(), failure.message());
     std::sort(files.begin(), files.end());
     for (const auto& file : files) walkFile(file, visitor);
 }

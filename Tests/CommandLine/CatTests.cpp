@@ -1,4 +1,6 @@
 #include "Collector/TestUpload.h"
+#include "CommandLine/RecordWalk.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/ToolRun.h"
 
@@ -116,6 +118,25 @@ TEST(Cat, APipeInAFolderIsNotWaitedFor) {
     EXPECT_EQ(run.lines, List{two});
 }
 
+TEST(Cat, AFolderThatMayNotBeReadHidesNoOther) {
+    TemporaryFolder folder;
+    for (const std::string name : {"a", "b", "c"}) {
+        std::filesystem::create_directory(folder.path() / name);
+        writeFile(folder / name + "/1.log", log({two}));
+    }
+    std::filesystem::permissions(folder.path() / "b", std::filesystem::perms::none);
+    std::vector<std::string> records;
+    std::vector<std::string> unreadable;
+    commandline::RecordVisitor visitor;
+    visitor.record = [&](const std::string& file, std::string_view) { records.push_back(file); };
+    visitor.unreadable = [&](const std::string& path, const std::string&) { unreadable.push_back(path); };
+    EXPECT_TRUE(asOrdinaryUser(folder, [&] {
+        commandline::walkRecords(folder.path(), visitor);
+        return records == List{folder / "a/1.log", folder / "c/1.log"} && unreadable == List{folder / "b"};
+    }));
+    std::filesystem::permissions(folder.path() / "b", std::filesystem::perms::owner_all);
+}
+
 TEST(Cat, AnEntrysNameDoesNotSpeakToTheTerminal) {
     TemporaryFolder folder;
     auto bytes = archive({{"a[2Jb.log", "no record"}});
@@ -151,6 +172,14 @@ TEST(Cat, AFullDiskIsAFailure) {
     const auto run = runShell(tool() + " cat " + (folder / "a.log") + " > /dev/full");
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.complaints.find("No space left"), std::string::npos);
+}
+
+TEST(Cat, AClosedStandardOutputIsAFailure) {
+    TemporaryFolder folder;
+    writeFile(folder / "a.log", log({two}));
+    const auto run = runShell(tool() + " cat " + (folder / "a.log") + " >&-");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.complaints, "tallyfoot: standard output: Bad file descriptor\n");
 }
 
 TEST(Tool, NeedsASubcommand) { EXPECT_EQ(runTool({}).status, 2); }
