@@ -4,11 +4,26 @@
 #include "CommandLine/DemoHostCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <csignal>
 
+namespace {
+
+// Otherwise the first files and pipes would be taken for the standard streams that the caller has closed.
+// To read only, so that writing to one of them still fails.
+void openClosedStreams() {
+    int number = 0;
+    while (number >= 0 && number <= STDERR_FILENO) number = ::open("/dev/null", O_RDONLY);
+    if (number >= 0) ::close(number);
+}
+
+} // namespace
+
 // Every subcommand is an object that declares its options to the parser and runs when it is chosen.
 int main(int count, char** arguments) {
+    openClosedStreams();
     CLI::App app("Tallyfoot's tools for development: run a local collector, read stored records, see it all at work.",
                  "tallyfoot");
     app.require_subcommand(1);

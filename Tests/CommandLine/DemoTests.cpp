@@ -41,6 +41,12 @@ TEST(Demo, AccountsForEveryEventOfTheShortestSession) {
     EXPECT_EQ(runTool({"demo", "--events", "1499"}).status, 2);
 }
 
+TEST(Demo, NeedsNoStandardInput) {
+    TemporaryFolder folder;
+    const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --quick <&-");
+    EXPECT_EQ(run.status, 0) << text(run);
+}
+
 TEST(Demo, FailsWithAMessageWhereItCannotWork) {
     const auto run = runShell("TMPDIR=/dev/null " + tool() + " demo --quick");
     EXPECT_EQ(run.status, 1);
