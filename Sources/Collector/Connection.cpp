@@ -63,6 +63,7 @@ void Connection::beginRequest() {
     head_.clear();
     headBegan_ = std::chrono::steady_clock::now();
     inHead_ = true;
+    bodyLeft_.reset();
     onLostAnswer_ = nullptr;
 }
 
@@ -79,7 +80,7 @@ bool Connection::isHeadTooMuch() const {
 }
 
 ssize_t Connection::read(char* bytes, size_t size) {
-    if (isHeadTooMuch()) {
+    if (isHeadTooMuch() || isBodyTooMuch()) {
         dropAtEnd();
         return -1;
     }
@@ -96,6 +97,7 @@ ssize_t Connection::read(char* bytes, size_t size) {
     const auto count = std::min(size, bufferEnd_ - bufferStart_);
     std::memcpy(bytes, buffer_.data() + bufferStart_, count);
     if (inHead_) head_.append(bytes, count);
+    if (bodyLeft_) *bodyLeft_ -= std::min(*bodyLeft_, count);
     bufferStart_ += count;
     return static_cast<ssize_t>(count);
 }

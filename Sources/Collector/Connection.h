@@ -5,6 +5,7 @@
 #include <array>
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace tallyfoot::collector {
@@ -20,11 +21,13 @@ public:
     // --- For the loop that serves it ---
     bool waitForRequest(std::chrono::milliseconds patience); // false: none came
     void beginRequest();
-    void endHead() { inHead_ = false; } // what is read from now on is body
+    void endHead() { inHead_ = false; }                      // what is read from now on is body
+    void boundBody(std::size_t bytes) { bodyLeft_ = bytes; } // a larger one ends the connection
     void endRequest();
 
     // --- For a request's handler ---
     const std::string& head() const { return head_; }
+    bool isBodyTooMuch() const { return bodyLeft_ == 0; }
     // Nothing is written any more, and the connection ends after the request: with a TCP reset, or quietly.
     void resetAtEnd() { ending_ = Ending::reset; }
     void dropAtEnd() { ending_ = Ending::dropped; }
@@ -52,6 +55,7 @@ private:
     bool inHead_ = false;
     std::string head_;
     std::chrono::steady_clock::time_point headBegan_;
+    std::optional<std::size_t> bodyLeft_; // none: unbounded
     Ending ending_ = Ending::open;
     bool writeFailed_ = false;
     std::function<void()> onLostAnswer_;

@@ -40,8 +40,10 @@ bool HTTPServer::process_and_close_socket(int socket) {
                 // The library would wait for the connection's end, as for an answer. Such a request has no body.
                 if (!request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
                     request.set_header("Content-Length", "0");
-                // Otherwise the library would take a multipart body apart by its own, laxer rules.
-                if (request.is_multipart_form_data()) request.headers.erase("Content-Type");
+                // The library knows a body's size beforehand or not at all.
+                if (request.has_header("Transfer-Encoding")) connection.boundBody(payload_max_length_);
+                // Otherwise the library would take a form's body apart by rules of its own.
+                request.headers.erase("Content-Type");
                 request.headers.erase("Content-Encoding");
             });
             connection.endRequest();

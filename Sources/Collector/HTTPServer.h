@@ -13,8 +13,8 @@
 namespace tallyfoot::collector {
 
 // cpp-httplib's server on connections of our own. It parses and routes; the connection shows a handler
-// what really came in, and ends it as the handler likes. The body of a request with a
-// content reader arrives raw, whatever its Content-Type says.
+// what really came in, and ends it as the handler likes. A request's body arrives raw, whatever its
+// Content-Type says.
 class HTTPServer final : public httplib::Server {
 public:
     HTTPServer();

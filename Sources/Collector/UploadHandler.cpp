@@ -2,6 +2,8 @@
 
 #include "Collector/HTTPServer.h"
 
+#include <iostream>
+
 namespace tallyfoot::collector {
 
 namespace {
@@ -33,19 +35,28 @@ void UploadHandler::handle(const httplib::ContentReader& readContent, httplib::R
 }
 
 void UploadHandler::handleInterrupted(const Fault& fault, std::size_t bodyBytes, httplib::Response& response) {
-    auto upload = checkInterruptedUpload(HTTPServer::current().head(), bodyBytes);
+    auto& connection = HTTPServer::current();
+    auto upload = checkInterruptedUpload(connection.head(), bodyBytes);
     Answer answer = answerToUnstored(upload, "The body did not come whole");
-    if (response.status == tooLarge) {
+    answer.isSent = response.status == tooLarge;
+    if (answer.isSent || connection.isBodyTooMuch()) {
         answer.httpStatus = tooLarge;
         upload.problems.push_back({"tooLarge", "the body is larger than the collector takes", ""});
-        send(answer, response);
+        if (answer.isSent) send(answer, response);
     } else if (fault.kind != Fault::Kind::reset) {
-        HTTPServer::current().dropAtEnd();
+        connection.dropAtEnd();
         upload.problems.push_back({"interrupted", "the client went away in the middle of the body", ""});
     }
-    answer.isSent = response.status == tooLarge;
     store_.store(upload, fault, answer);
     changes_.signal();
+}
+
+void UploadHandler::noteLostAnswer(std::int64_t upload) {
+    try {
+        store_.markUnanswered(upload);
+    } catch (const DatabaseError& failure) { // the connection has ended: there is nobody else to tell
+        std::cerr << "tallyfoot: the lost answer of upload " << upload << " is not noted: " << failure.what() << '\n';
+    }
 }
 
 void UploadHandler::handleWhole(const Fault& fault, const std::string& body, httplib::Response& response) {
@@ -55,7 +66,7 @@ void UploadHandler::handleWhole(const Fault& fault, const std::string& body, htt
     try {
         const auto id = store_.store(upload, fault, answer);
         changes_.signal();
-        connection.onLostAnswer([this, id] { store_.markUnanswered(id); });
+        connection.onLostAnswer([this, id] { noteLostAnswer(id); });
     } catch (const DatabaseError& failure) {
         answer = answerToUnstored(upload, failure.what());
     }

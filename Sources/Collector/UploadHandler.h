@@ -6,6 +6,8 @@
 
 #include <httplib.h>
 
+#include <cstdint>
+
 namespace tallyfoot::collector {
 
 // Takes one upload: reads, checks, stores, then answers as the next fault says. What the client is
@@ -20,6 +22,7 @@ public:
 private:
     void handleInterrupted(const Fault& fault, std::size_t bodyBytes, httplib::Response& response);
     void handleWhole(const Fault& fault, const std::string& body, httplib::Response& response);
+    void noteLostAnswer(std::int64_t upload);
 
     CollectorStore& store_;
     FaultQueue& faults_;

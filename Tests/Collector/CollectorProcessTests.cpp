@@ -1,3 +1,4 @@
+#include "Collector/Database.h"
 #include "Support/CollectorProcess.h"
 #include "Support/TemporaryFolder.h"
 #include "TestUpload.h"
@@ -171,6 +172,17 @@ TEST(CollectorProcess, AcceptsAndDropsTheReplyAndKnowsTheDuplicateWhenItComesAga
     EXPECT_EQ(collector.summary().at("duplicates"), 1);
 }
 
+TEST(CollectorProcess, LivesOnWhenItCannotNoteThatAnAnswerWasLost) {
+    TemporaryFolder folder;
+    const auto database = folder / "collector.sqlite";
+    CollectorProcess collector({"--database", database});
+    collector::Database(database).execute(
+        "CREATE TRIGGER refused BEFORE UPDATE ON uploads BEGIN SELECT RAISE(ABORT, 'as told'); END");
+    collector.queueFaults({{{"kind", "dropReply"}}});
+    EXPECT_EQ(send(collector.port(), TestUpload()).end, Exchange::End::closed);
+    EXPECT_EQ(send(collector.port(), TestUpload()).status, 200);
+}
+
 TEST(CollectorProcess, AnEventThatWasRefusedIsNoDuplicateWhenItComesAgain) {
     CollectorProcess collector;
     collector.queueFaults({{{"kind", "refuse"}}});
@@ -197,6 +209,17 @@ TEST(CollectorProcess, ClearingTheFaultsDropsThoseBefore) {
               1);
     EXPECT_EQ(collector.post("/v1/faults", {{"clear", true}}).body.at("queued"), 0);
     EXPECT_EQ(send(collector.port(), TestUpload()).response().at("statusCode"), 200);
+}
+
+TEST(CollectorProcess, TakesALongListOfFaultsWhateverItsContentTypeSays) {
+    CollectorProcess collector;
+    const auto body = json{{"faults", {{{"kind", "answer"}, {"body", std::string(20000, 'x')}}}}}.dump();
+    EXPECT_EQ(talk(collector.port(), "POST /v1/faults HTTP/1.1\r\nContent-Type: application/x-www-form-urlencoded\r\n"
+                                     "Content-Length: "
+                                         + std::to_string(body.size()) + "\r\n\r\n" + body)
+                  .status,
+              200);
+    EXPECT_EQ(send(collector.port(), TestUpload()).body.size(), 20000U);
 }
 
 TEST(CollectorProcess, RefusesAFaultItDoesNotKnow) {
@@ -414,6 +437,25 @@ TEST(CollectorProcess, DropsAClientWhoseHeadDoesNotEnd) {
     const auto before = std::chrono::steady_clock::now();
     EXPECT_NE(talk(collector.port(), head).end, Exchange::End::answered);
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
+    EXPECT_EQ(collector.get("/healthz").status, 200);
+}
+
+TEST(CollectorProcess, RefusesABodyThatIsTooLarge) {
+    CollectorProcess collector;
+    const std::string body(std::size_t{65} << 20U, 'x');
+    const auto head = "POST /upload HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n";
+    EXPECT_EQ(talk(collector.port(), head + body).status, 413);
+    EXPECT_EQ(collector.problems().back().at("kind"), "tooLarge");
+}
+
+TEST(CollectorProcess, DropsAClientWhoseBodyDoesNotEnd) {
+    CollectorProcess collector;
+    const std::string chunk = "400000\r\n" + std::string(std::size_t{4} << 20U, 'x') + "\r\n";
+    std::string bytes = "POST /upload HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
+    for (int piece = 0; piece < 20; ++piece) bytes += chunk;
+    EXPECT_NE(talk(collector.port(), bytes + "0\r\n\r\n").end, Exchange::End::answered);
+    EXPECT_EQ(collector.problems().back().at("kind"), "tooLarge");
+    EXPECT_NE(talk(collector.port(), bytes.replace(5, 7, "/v1/faults")).end, Exchange::End::answered);
     EXPECT_EQ(collector.get("/healthz").status, 200);
 }
 
