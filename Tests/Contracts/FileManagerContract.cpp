@@ -417,6 +417,24 @@ TEST_P(FileHandleContract, IsNotInPlaceOnceItsFolderIsReplaced) {
     EXPECT_FALSE(handle.value()->isInPlace());
 }
 
+TEST_P(FileHandleContract, IsNotInPlaceOnceALinkOnItsPathLeadsElsewhere) {
+    namespace fs = std::filesystem;
+    writeFile(folder_ / "one/inner/a", "1");
+    writeFile(folder_ / "two/inner/a", "2");
+    fs::create_directory_symlink("one", folder_ / "current");
+    auto handle = files_->fileHandleForWriting(folder_ / "current/inner/a");
+    ASSERT_TRUE(handle);
+    EXPECT_TRUE(handle.value()->isInPlace());
+    fs::create_directory_symlink("two", folder_ / "next");
+    fs::rename(folder_ / "next", folder_ / "current");
+    EXPECT_FALSE(handle.value()->isInPlace());
+    fs::remove(folder_ / "current");
+    fs::create_directory_symlink("one", folder_ / "current");
+    EXPECT_TRUE(handle.value()->isInPlace());
+    fs::remove(folder_ / "current");
+    EXPECT_FALSE(handle.value()->isInPlace());
+}
+
 TEST_P(FileHandleContract, IsInPlaceWhateverHappensToAnotherNameOfTheFile) {
     EXPECT_TRUE(handle().isInPlace());
     std::filesystem::create_hard_link(folder_ / "a", folder_ / "b");

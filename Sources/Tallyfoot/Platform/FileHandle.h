@@ -19,7 +19,7 @@ public:
     virtual Result<std::uint64_t> size() const = 0;
 
     // Whether the path that it was opened at still leads to this file: not after it was removed,
-    // renamed or replaced under us, or a folder above it was. Where that cannot be told, it does. After
+    // renamed or replaced under us, or a folder or link above it was. Where that cannot be told, it does. After
     // the first question cheap enough to ask before each append.
     virtual bool isInPlace() = 0;
 

@@ -20,9 +20,14 @@ FileWatch::FileWatch(int file, const std::string& path) : events_(::inotify_init
         events_ = FileDescriptor();
         return;
     }
-    // A folder with a file in it is not removed, but it may be moved away with it.
-    for (auto slash = path.rfind('/'); slash != path.npos && slash > 0; slash = path.rfind('/', slash - 1))
-        (void)::inotify_add_watch(events_.number(), path.substr(0, slash).c_str(), IN_MOVE_SELF);
+    // A folder with a file in it is not removed, but it may be moved away with it. A link that stands for
+    // one may come to lead elsewhere. Not the attributes: they would be those of all that is in the folder.
+    for (auto slash = path.rfind('/'); slash != path.npos && slash > 0; slash = path.rfind('/', slash - 1)) {
+        const auto folder = path.substr(0, slash);
+        constexpr auto itself = IN_MOVE_SELF | IN_DELETE_SELF;
+        (void)::inotify_add_watch(events_.number(), folder.c_str(), itself);
+        (void)::inotify_add_watch(events_.number(), folder.c_str(), itself | IN_DONT_FOLLOW);
+    }
 }
 
 FileWatch::~FileWatch() {

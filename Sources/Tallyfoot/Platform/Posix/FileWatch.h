@@ -6,9 +6,10 @@
 
 namespace tallyfoot {
 
-// Tells cheaply that an open file was neither removed nor renamed, nor a folder above it, since the
-// watch began, so that its owner need not look it up by its path each time. The system notes such a
-// change before the call that makes it returns. A folder that we may not read is taken to stay.
+// Tells cheaply that an open file was neither removed nor renamed, nor a folder or a link on its path,
+// since the watch began, so that its owner need not look it up by its path each time. The system notes
+// such a change before the call that makes it returns. A folder that we may not read is taken to stay,
+// and so is a link that another one leads to.
 class FileWatch {
 public:
     // Without a watch, where the system has none to give, nothing is ever quiet.
