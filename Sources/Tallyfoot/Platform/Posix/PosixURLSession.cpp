@@ -44,8 +44,9 @@ bool setUpCurl() {
     return isSetUp;
 }
 
-// Fills the numbers of standard streams that the host has closed. libcurl opens the sockets that wake it
-// by itself: under such a number they would get the trace, and be gone when the host opens its stream.
+// Fills the numbers of standard streams that the host has closed. libcurl opens the sockets by which its
+// threads wake it by itself: under such a number they would get the trace, and be gone when the host opens
+// its stream.
 class StreamPlaceholders {
 public:
     StreamPlaceholders() {
@@ -170,6 +171,7 @@ private:
         begin(now, finished);
         int running = 0;
         curl_multi_perform(multi_.get(), &running);
+        placeholders_.reset();
         collect(now, finished);
         expire(now, finished);
         return finished;
@@ -205,7 +207,17 @@ private:
     }
 
     bool start(CurlTransfer& transfer, Clock::time_point now) {
-        return transfer.prepare(now) && curl_multi_add_handle(multi_.get(), transfer.handle()) == CURLM_OK;
+        if (!transfer.prepare(now)) return false;
+        curl_easy_setopt(transfer.handle(), CURLOPT_RESOLVER_START_FUNCTION, &Worker::beforeResolving);
+        curl_easy_setopt(transfer.handle(), CURLOPT_RESOLVER_START_DATA, this);
+        return curl_multi_add_handle(multi_.get(), transfer.handle()) == CURLM_OK;
+    }
+
+    // A host's address is asked for on a thread of libcurl's, which it has sockets for.
+    static int beforeResolving(void*, void*, void* worker) noexcept {
+        auto& placeholders = static_cast<Worker*>(worker)->placeholders_;
+        if (!placeholders) placeholders.emplace();
+        return 0;
     }
 
     void collect(Clock::time_point now, std::vector<Finished>& finished) {
@@ -263,6 +275,7 @@ private:
     CurlMulti multi_;
     std::vector<std::unique_ptr<CurlTransfer>> active_;
     std::vector<CurlHandle> idle_;
+    std::optional<StreamPlaceholders> placeholders_; // from a look-up's beginning to the end of the step
 };
 
 PosixURLSession::PosixURLSession() : worker_(std::make_shared<Worker>()) { (void)setUpCurl(); }
