@@ -13,9 +13,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <system_error>
+#include <thread>
 
 namespace tallyfoot::testing {
 
@@ -99,6 +103,36 @@ TEST(PosixFileHandle, IsInPlaceWhileItsFolderMayNotBeEntered) {
         const bool isInPlace = handle.value()->isInPlace();
         std::filesystem::permissions(folder / "inner", std::filesystem::perms::owner_all);
         return isInPlace && files.removeItem(folder / "inner/a") && !handle.value()->isInPlace();
+    }));
+}
+
+// That this process has open.
+std::ptrdiff_t watches() {
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    return std::count_if(begin(files), end(files), [](const auto& file) {
+        std::error_code gone;
+        return std::filesystem::read_symlink(file, gone).string().find("inotify") != std::string::npos;
+    });
+}
+
+TEST(PosixFileHandle, TakesNoWatchWhileItsFolderMayNotBeEntered) {
+    TemporaryFolder folder;
+    EXPECT_TRUE(asOrdinaryUser(folder, [&] {
+        PosixFileManager files;
+        if (!files.createDirectory(folder / "inner") || !files.writeAtomically(folder / "inner/a", {})) return false;
+        auto handle = files.fileHandleForWriting(folder / "inner/a");
+        if (!handle || !handle.value()->isInPlace() || watches() != 1) return false;
+        std::filesystem::permissions(folder / "inner/a", std::filesystem::perms::owner_read); // worth another look
+        std::filesystem::permissions(folder / "inner", std::filesystem::perms::none);
+        bool isInPlace = handle.value()->isInPlace();
+        while (watches() != 0) std::this_thread::yield(); // the former one ends in its own time
+        std::ptrdiff_t taken = 0;
+        for (int time = 0; time < 50; ++time) {
+            isInPlace = isInPlace && handle.value()->isInPlace();
+            taken += watches();
+        }
+        std::filesystem::permissions(folder / "inner", std::filesystem::perms::owner_all);
+        return isInPlace && taken == 0 && handle.value()->isInPlace() && watches() == 1;
     }));
 }
 

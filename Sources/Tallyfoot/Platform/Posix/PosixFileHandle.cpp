@@ -57,16 +57,24 @@ Result<std::uint64_t> PosixFileHandle::size() const {
 
 bool PosixFileHandle::isInPlace() {
     if (watch_ && watch_->isQuiet()) return true;
-    watch_.emplace(descriptor_.number(), path_); // before the look, so that nothing falls in between
+    watch_.reset();
+    auto place = look();
+    if (place == Place::here) {
+        watch_.emplace(descriptor_.number(), path_);
+        place = look(); // once more: of what came before it the watch knows nothing
+        if (place != Place::here) watch_.reset();
+    }
+    // Where we may not look at the moment nothing can be opened either: what is open is worth keeping.
+    return place != Place::elsewhere;
+}
+
+PosixFileHandle::Place PosixFileHandle::look() const {
     struct stat opened {};
     struct stat found {};
-    const bool isKnown = ::fstat(descriptor_.number(), &opened) == 0;
-    const int failure = ::stat(path_.c_str(), &found) == 0 ? 0 : errno;
-    if (isKnown && failure == 0 && opened.st_dev == found.st_dev && opened.st_ino == found.st_ino) return true;
-    watch_.reset();
-    // Where we may not look at the moment nothing can be opened either: what is open is worth keeping.
-    const bool isGone = failure == 0 || failure == ENOENT || failure == ENOTDIR;
-    return isKnown && !isGone && opened.st_nlink > 0;
+    if (::fstat(descriptor_.number(), &opened) != 0) return Place::elsewhere;
+    if (::stat(path_.c_str(), &found) == 0)
+        return opened.st_dev == found.st_dev && opened.st_ino == found.st_ino ? Place::here : Place::elsewhere;
+    return errno == ENOENT || errno == ENOTDIR || opened.st_nlink == 0 ? Place::elsewhere : Place::unknown;
 }
 
 Result<std::size_t> PosixFileHandle::read(std::uint64_t offset, std::span<char> buffer) const {

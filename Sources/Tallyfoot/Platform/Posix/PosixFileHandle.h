@@ -21,6 +21,9 @@ public:
     Result<void> truncate(std::uint64_t size) override;
 
 private:
+    enum class Place { here, elsewhere, unknown };
+
+    Place look() const; // where the path leads to
     Result<void> appendRest(std::string_view bytes, std::size_t written);
 
     FileDescriptor descriptor_;
