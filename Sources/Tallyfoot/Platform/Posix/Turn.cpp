@@ -6,7 +6,8 @@ namespace tallyfoot {
 
 namespace {
 
-constexpr int spins = 400; // about ten microseconds: several of the turns that are taken for an event, less than a sleep costs
+// About ten microseconds: several of the turns that are taken for an event, less than a sleep costs.
+constexpr int spins = 400;
 constexpr std::chrono::microseconds fairAfter{1000};
 constexpr std::chrono::microseconds betweenHandovers{200}; // bounds what fairness costs the others
 
