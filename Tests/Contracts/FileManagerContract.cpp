@@ -422,6 +422,7 @@ TEST_P(FileHandleContract, IsNotInPlaceOnceALinkOnItsPathLeadsElsewhere) {
     writeFile(folder_ / "one/inner/a", "1");
     writeFile(folder_ / "two/inner/a", "2");
     fs::create_directory_symlink("one", folder_ / "current");
+    fs::create_hard_link(folder_ / "current", folder_ / "saved"); // a second name, as backups make
     auto handle = files_->fileHandleForWriting(folder_ / "current/inner/a");
     ASSERT_TRUE(handle);
     EXPECT_TRUE(handle.value()->isInPlace());

@@ -4,29 +4,43 @@
 
 #include <sys/inotify.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <utility>
 
 namespace tallyfoot {
 
+namespace {
+
+// A removed name shows in the attributes of what it named, because the count of names is one of them.
+constexpr std::uint32_t nameChanges = IN_ATTRIB | IN_MOVE_SELF;
+
+bool isLink(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+} // namespace
+
 FileWatch::FileWatch(int file, const std::string& path) : events_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
     if (!events_) return;
-    // The open file itself, whatever its path leads to by now. A removed name shows in the file's
-    // attributes, because its count of links is one of them.
-    const auto opened = "/proc/self/fd/" + std::to_string(file);
-    if (::inotify_add_watch(events_.number(), opened.c_str(), IN_ATTRIB | IN_MOVE_SELF) < 0) {
+    const auto watch = [&](const std::string& what, std::uint32_t changes) {
+        return ::inotify_add_watch(events_.number(), what.c_str(), changes) >= 0;
+    };
+    // The open file itself, whatever its path leads to by now.
+    if (!watch("/proc/self/fd/" + std::to_string(file), nameChanges)) {
         events_ = FileDescriptor();
         return;
     }
-    // A folder with a file in it is not removed, but it may be moved away with it. A link that stands for
-    // one may come to lead elsewhere. Not the attributes: they would be those of all that is in the folder.
     for (auto slash = path.rfind('/'); slash != path.npos && slash > 0; slash = path.rfind('/', slash - 1)) {
         const auto folder = path.substr(0, slash);
-        constexpr auto itself = IN_MOVE_SELF | IN_DELETE_SELF;
-        (void)::inotify_add_watch(events_.number(), folder.c_str(), itself);
-        (void)::inotify_add_watch(events_.number(), folder.c_str(), itself | IN_DONT_FOLLOW);
+        // With a file in it, it is not removed, but it may be moved away. Its attributes are not asked for,
+        // since those of all that is in it would come along.
+        (void)watch(folder, IN_MOVE_SELF);
+        if (isLink(folder)) (void)watch(folder, nameChanges | IN_DONT_FOLLOW);
     }
 }
 
