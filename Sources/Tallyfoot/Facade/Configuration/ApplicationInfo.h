@@ -11,7 +11,7 @@ namespace tallyfoot {
 class Coder;
 
 // Who the host application is. Fixed once made. What is ill-formed in a text becomes U+FFFD, as it
-// would in the store: an application is known again by its name.
+// would in the store: an application is known again by its name. No text may be a null pointer.
 class TALLYFOOT_EXPORT ApplicationInfo {
 public:
     static constexpr const char* archiveClassName = "ApplicationInfo";

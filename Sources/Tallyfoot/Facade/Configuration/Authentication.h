@@ -10,6 +10,7 @@ namespace tallyfoot {
 
 // The user's credentials, made by the host whenever the library asks. The token is never stored.
 // What is ill-formed in a user id becomes U+FFFD, as it would in the store: a user is known again by it.
+// No text may be a null pointer.
 class TALLYFOOT_EXPORT Authentication {
 public:
     Authentication(std::string_view userId, std::string authenticationToken,
