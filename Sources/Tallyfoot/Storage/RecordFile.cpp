@@ -30,9 +30,9 @@ Result<std::uint64_t> endOfLastRecord(const FileHandle& handle, std::uint64_t si
 
 // Tells the size that is left.
 Result<std::uint64_t> cutOffFragment(FileHandle& handle) {
-    const auto size = handle.size();
+    auto size = handle.size();
     if (!size) return size;
-    const auto end = endOfLastRecord(handle, size.value());
+    auto end = endOfLastRecord(handle, size.value());
     if (!end || end.value() == size.value()) return end;
     if (const auto cut = handle.truncate(end.value()); !cut) return cut.error();
     return end;
