@@ -8,6 +8,12 @@ namespace tallyfoot {
 
 Tallyfoot::Implementation::Implementation() : pipeline(defaultPlatformServices(), processSettings()) {}
 
+void Tallyfoot::Implementation::changeSeams(FunctionRef<void(Seams&)> change) {
+    auto seams = seams_.copy();
+    change(seams);
+    setSeams(std::move(seams));
+}
+
 void Tallyfoot::Implementation::setSeams(Seams seams) {
     pipeline.changeContext(
         [&](EventPipeline::Context& context) { context.currentScreenTitle = seams.currentScreenTitle; });

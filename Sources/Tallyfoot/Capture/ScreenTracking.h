@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Tallyfoot/Capture/CaptureFacade.h"
+#include "Tallyfoot/Capture/PlatformObject.h"
+#include "Tallyfoot/Platform/Clock.h"
+#include "Tallyfoot/Platform/Exclusive.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace tallyfoot {
+
+// A screen is a view controller between its will-appear and its will-disappear. When it goes, it becomes
+// an event that tells how long it was shown. Any thread.
+class ScreenTracking {
+public:
+    explicit ScreenTracking(CaptureFacade& facade) : facade_(facade) {}
+
+    void willAppear(const PlatformObject& controller);
+    void willDisappear(const PlatformObject& controller);
+
+    // The title, as it was then, of the screen that appeared last of those still shown; "" where none is.
+    std::string currentScreenTitle() const { return currentTitle_.copy(); }
+
+private:
+    struct Screen {
+        Date start;
+        std::uint64_t appearance = 0; // the how manieth
+        std::string title;
+    };
+
+    struct Screens {
+        std::unordered_map<void*, Screen> active; // by identity, which nobody looks behind
+        std::uint64_t appearances = 0;
+    };
+
+    static bool isTrackedScreen(const PlatformObject& controller);
+    std::optional<double> takeElapsed(void* identity);
+    void printSize(std::size_t size) const;
+
+    CaptureFacade& facade_;
+    Exclusive<Screens> screens_;
+    Exclusive<std::string> currentTitle_;
+};
+
+} // namespace tallyfoot
