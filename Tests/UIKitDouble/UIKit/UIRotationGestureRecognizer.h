@@ -1,0 +1,9 @@
+#pragma once
+#import "UIGestureRecognizer.h"
+
+@interface UIRotationGestureRecognizer : UIGestureRecognizer {
+    CGFloat _rotation;
+    CGFloat _startAngle;
+}
+@property(nonatomic) CGFloat rotation; // radians
+@end
