@@ -40,20 +40,19 @@ static NSTimeInterval clockTime = 1000;
     clockTime += frameTime;
 }
 
-+ (void)_send:(UITouch*)touch at:(CGPoint)point in:(UIView*)view phase:(UITouchPhase)phase {
-    [touch _moveTo:point inView:view phase:phase time:clockTime];
++ (void)_send:(UITouch*)touch at:(CGPoint)point phase:(UITouchPhase)phase {
+    [touch _moveTo:point inView:nil phase:phase time:clockTime];
     [self _send:[NSSet setWithObject:touch]];
 }
 
-// The view may go on the way; the hand goes on as if it were where it was.
-+ (void)_down:(UIView*)view at:(CGPoint)start during:(void (^)(UITouch* touch, UIView* space, CGPoint origin))motion {
+// The view may scroll or go on the way; the hand knows only where it is itself.
++ (void)_down:(UIView*)view at:(CGPoint)start during:(void (^)(UITouch* touch, CGPoint origin))motion {
     @autoreleasepool {
         [[view retain] autorelease];
-        UIView* space = [[[view _outermostView] retain] autorelease];
         UITouch* touch = [self _downOn:view at:start];
         if (!touch) return;
         [self _send:[NSSet setWithObject:touch]];
-        motion(touch, space, [touch _location]);
+        motion(touch, [touch _location]);
     }
     clockTime += 0.2;
 }
@@ -73,25 +72,25 @@ static NSTimeInterval clockTime = 1000;
 + (void)press:(UIView*)view at:(CGPoint)point for:(NSTimeInterval)seconds {
     [self _down:view
              at:point
-         during:^(UITouch* touch, UIView* space, CGPoint origin) {
-             clockTime += seconds;
-             [self _send:touch at:origin in:space phase:UITouchPhaseStationary];
-             [self _send:touch at:origin in:space phase:UITouchPhaseEnded];
+         during:^(UITouch* touch, CGPoint origin) {
+           clockTime += seconds;
+           [self _send:touch at:origin phase:UITouchPhaseStationary];
+           [self _send:touch at:origin phase:UITouchPhaseEnded];
          }];
 }
 
 + (void)_move:(UIView*)view from:(CGPoint)start by:(CGSize)distance steps:(NSUInteger)steps rest:(NSTimeInterval)rest {
     [self _down:view
              at:start
-         during:^(UITouch* touch, UIView* space, CGPoint origin) {
-             CGPoint point = origin;
-             for (NSUInteger step = 1; step <= steps; ++step) {
-                 CGFloat share = (CGFloat)step / (CGFloat)steps;
-                 point = CGPointMake(origin.x + distance.width * share, origin.y + distance.height * share);
-                 [self _send:touch at:point in:space phase:UITouchPhaseMoved];
-             }
-             clockTime += rest;
-             [self _send:touch at:point in:space phase:UITouchPhaseEnded];
+         during:^(UITouch* touch, CGPoint origin) {
+           CGPoint point = origin;
+           for (NSUInteger step = 1; step <= steps; ++step) {
+               CGFloat share = (CGFloat)step / (CGFloat)steps;
+               point = CGPointMake(origin.x + distance.width * share, origin.y + distance.height * share);
+               [self _send:touch at:point phase:UITouchPhaseMoved];
+           }
+           clockTime += rest;
+           [self _send:touch at:point phase:UITouchPhaseEnded];
          }];
 }
 
@@ -144,8 +143,8 @@ static NSTimeInterval clockTime = 1000;
 + (void)beginAndCancel:(UIView*)view {
     [self _down:view
              at:[self _middleOf:view]
-         during:^(UITouch* touch, UIView* space, CGPoint origin) {
-             [self _send:touch at:origin in:space phase:UITouchPhaseCancelled];
+         during:^(UITouch* touch, CGPoint origin) {
+           [self _send:touch at:origin phase:UITouchPhaseCancelled];
          }];
 }
 @end

@@ -104,7 +104,8 @@ static const CGFloat headHeight = 80;
     NSMutableArray* grouped = [NSMutableArray array];
     NSMutableArray* apart = [NSMutableArray array]; // a sheet's cancel action stands by itself
     for (UIAlertAction* action in _actions) {
-        BOOL standsApart = _preferredStyle == UIAlertControllerStyleActionSheet && action.style == UIAlertActionStyleCancel;
+        BOOL standsApart =
+            _preferredStyle == UIAlertControllerStyleActionSheet && action.style == UIAlertActionStyleCancel;
         [standsApart ? apart : grouped addObject:action];
     }
     CGFloat y = headHeight;
@@ -117,7 +118,8 @@ static const CGFloat headHeight = 80;
     CGFloat height = actionHeight * (CGFloat)[actions count];
     UIView* group = [[groupClass alloc] initWithFrame:CGRectMake(0, y, 270, height)];
     for (UIAlertAction* action in actions) [self _addRow:action to:group];
-    UILongPressGestureRecognizer* press = [[UILongPressGestureRecognizer alloc] initWithTarget:self action:@selector(_pressed:)];
+    UILongPressGestureRecognizer* press = [[UILongPressGestureRecognizer alloc] initWithTarget:self
+                                                                                        action:@selector(_pressed:)];
     press.minimumPressDuration = 0;
     [group addGestureRecognizer:press];
     [self.view addSubview:group];

@@ -1,9 +1,8 @@
 #import "UIKitPrivate.h"
 
-static NSString* const systemItemNames[] = {@"Done",          @"Cancel",     @"Edit",    @"Save",  @"Add",
-                                            @"FlexibleSpace", @"FixedSpace", @"Compose", @"Reply", @"Action",
-                                            @"Organize",      @"Bookmarks",  @"Search",  @"Refresh", @"Stop",
-                                            @"Camera",        @"Trash"};
+static NSString* const systemItemNames[] = {
+    @"Done",   @"Cancel",   @"Edit",      @"Save",   @"Add",     @"FlexibleSpace", @"FixedSpace", @"Compose", @"Reply",
+    @"Action", @"Organize", @"Bookmarks", @"Search", @"Refresh", @"Stop",          @"Camera",     @"Trash"};
 
 // What a bar shows for an item.
 @interface _UIButtonBarButton : UIControl
@@ -39,7 +38,8 @@ static NSString* const systemItemNames[] = {@"Done",          @"Cancel",     @"E
 }
 
 - (instancetype)initWithBarButtonSystemItem:(UIBarButtonSystemItem)item target:(id)target action:(SEL)action {
-    if ((self = [self initWithTitle:nil style:UIBarButtonItemStylePlain target:target action:action])) _systemItem = item;
+    if ((self = [self initWithTitle:nil style:UIBarButtonItemStylePlain target:target action:action]))
+        _systemItem = item;
     return self;
 }
 

@@ -49,7 +49,8 @@
 - (void)reloadData {
     _isLoaded = YES;
     for (UIView* cell in _cells) [cell removeFromSuperview];
-    for (NSUInteger i = 0; i < [_cells count]; ++i) [self _retire:[_cells objectAtIndex:i] identifier:[_identifiers objectAtIndex:i]];
+    for (NSUInteger i = 0; i < [_cells count]; ++i)
+        [self _retire:[_cells objectAtIndex:i] identifier:[_identifiers objectAtIndex:i]];
     [_cells removeAllObjects];
     [_identifiers removeAllObjects];
     NSInteger items = [_dataSource collectionView:self numberOfItemsInSection:0];
@@ -80,7 +81,8 @@
 - (CGRect)_frameOfItem:(NSInteger)item {
     CGSize size = _collectionViewLayout.itemSize;
     NSInteger perLine = MAX((NSInteger)(_frame.size.width / size.width), 1);
-    return CGRectMake((CGFloat)(item % perLine) * size.width, (CGFloat)(item / perLine) * size.height, size.width, size.height);
+    return CGRectMake((CGFloat)(item % perLine) * size.width, (CGFloat)(item / perLine) * size.height, size.width,
+                      size.height);
 }
 
 - (void)_load {
@@ -134,8 +136,9 @@
 
 - (void)touchesEnded:(NSSet*)touches withEvent:(UIEvent*)event {
     (void)event;
-    NSIndexPath* path = [self indexPathForItemAtPoint:[(UITouch*)[touches anyObject] locationInView:self]];
-    if (!path) return;
+    UITouch* touch = [touches anyObject];
+    NSIndexPath* path = [self indexPathForItemAtPoint:[touch locationInView:self]];
+    if (!path || [touch _hasMoved]) return;
     for (UICollectionViewCell* cell in _cells) cell.selected = NO;
     [[self cellForItemAtIndexPath:path] setSelected:YES];
     if ([_delegate respondsToSelector:@selector(collectionView:didSelectItemAtIndexPath:)]) {

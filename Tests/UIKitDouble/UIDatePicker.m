@@ -9,7 +9,8 @@ static const NSTimeInterval day = 24 * 60 * 60;
 @synthesize date = _date;
 
 - (instancetype)initWithFrame:(CGRect)frame {
-    if ((self = [super initWithFrame:frame.size.height > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 320, 216)])) {
+    if ((self = [super
+             initWithFrame:frame.size.height > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 320, 216)])) {
         _date = [[NSDate alloc] init];
     }
     return self;

@@ -8,8 +8,8 @@
         for (UIGestureRecognizer* recognizer in [view gestureRecognizers]) {
             id<UIGestureRecognizerDelegate> delegate = [recognizer delegate];
             BOOL wants = [recognizer isEnabled]
-                         && (![delegate respondsToSelector:@selector(gestureRecognizer:shouldReceiveTouch:)]
-                             || [delegate gestureRecognizer:recognizer shouldReceiveTouch:touch]);
+                         && (![delegate respondsToSelector:@selector(gestureRecognizer:shouldReceiveTouch:)] ||
+                             [delegate gestureRecognizer:recognizer shouldReceiveTouch:touch]);
             if (wants) [recognizers addObject:recognizer];
         }
     }
@@ -19,8 +19,8 @@
 + (BOOL)_recognizer:(UIGestureRecognizer*)recognizer goesWith:(UIGestureRecognizer*)other {
     SEL question = @selector(gestureRecognizer:shouldRecognizeSimultaneouslyWithGestureRecognizer:);
     id<UIGestureRecognizerDelegate> delegate = [recognizer delegate];
-    return [delegate respondsToSelector:question]
-           && [delegate gestureRecognizer:recognizer shouldRecognizeSimultaneouslyWithGestureRecognizer:other];
+    return [delegate respondsToSelector:question] &&
+           [delegate gestureRecognizer:recognizer shouldRecognizeSimultaneouslyWithGestureRecognizer:other];
 }
 
 + (BOOL)_mayBegin:(UIGestureRecognizer*)recognizer among:(NSArray*)recognizers {
@@ -34,12 +34,15 @@
         return NO;
     }
     UITouch* touch = [[recognizer _followedTouches] lastObject];
-    return [[touch view] gestureRecognizerShouldBegin:recognizer] && [[recognizer view] gestureRecognizerShouldBegin:recognizer]
-           && [recognizer _shouldBegin];
+    return [[touch view] gestureRecognizerShouldBegin:recognizer] &&
+           [[recognizer view] gestureRecognizerShouldBegin:recognizer] && [recognizer _shouldBegin];
 }
 
 // What a recognizer takes as its own, the view loses.
-+ (void)_settle:(UIGestureRecognizer*)recognizer among:(NSArray*)recognizers wasPossible:(BOOL)wasPossible event:(UIEvent*)event {
++ (void)_settle:(UIGestureRecognizer*)recognizer
+          among:(NSArray*)recognizers
+    wasPossible:(BOOL)wasPossible
+          event:(UIEvent*)event {
     if (![recognizer _isStateUntold]) return;
     if (wasPossible && [recognizer _isRecognizing] && ![self _mayBegin:recognizer among:recognizers]) {
         [recognizer _takeBackState];
@@ -51,7 +54,8 @@
     for (UITouch* touch in touches) {
         if (!takes || [touch _isTakenFromView]) continue;
         [touch _setTakenFromView];
-        if ([touch phase] != UITouchPhaseBegan) [[touch view] touchesCancelled:[NSSet setWithObject:touch] withEvent:event];
+        if ([touch phase] != UITouchPhaseBegan)
+            [[touch view] touchesCancelled:[NSSet setWithObject:touch] withEvent:event];
     }
 }
 

@@ -4,8 +4,7 @@
 
 // Call-stack symbols carry a method's name where its frame has this as its symbol. The call that it
 // makes must not be its last deed, or the frame would be gone by then.
-#define UIKIT_FRAME(symbol)                                                                                            \
-    __attribute__((noinline, used, visibility("default"), disable_tail_calls)) __asm__(symbol)
+#define UIKIT_FRAME(symbol) __attribute__((noinline, used, visibility("default"), disable_tail_calls)) __asm__(symbol)
 
 @interface UITargetAction : NSObject {
 @public
@@ -19,6 +18,7 @@
 - (instancetype)_initInView:(UIView*)view at:(CGPoint)point time:(NSTimeInterval)time;
 - (void)_moveTo:(CGPoint)point inView:(UIView*)view phase:(UITouchPhase)phase time:(NSTimeInterval)time;
 - (CGPoint)_location;
+- (BOOL)_hasMoved; // further than a tap may
 - (void)_setGestureRecognizers:(NSArray*)recognizers;
 - (BOOL)_isTakenFromView;
 - (void)_setTakenFromView;

@@ -23,7 +23,8 @@ static const CGFloat wheelRowHeight = 32;
 @synthesize delegate = _delegate, dataSource = _dataSource;
 
 - (instancetype)initWithFrame:(CGRect)frame {
-    if ((self = [super initWithFrame:frame.size.height > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 320, 160)])) {
+    if ((self = [super
+             initWithFrame:frame.size.height > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 320, 160)])) {
         _tables = [[NSMutableArray alloc] init];
         _selectedRows = [[NSMutableArray alloc] init];
     }
@@ -111,13 +112,15 @@ static const CGFloat wheelRowHeight = 32;
     if (!cell) {
         cell = [[[UIPickerTableViewWrapperCell alloc] initWithStyle:UITableViewCellStyleDefault
                                                     reuseIdentifier:@"Row"] autorelease];
-        UITapGestureRecognizer* tap = [[UITapGestureRecognizer alloc] initWithTarget:self action:@selector(_rowTapped:)];
+        UITapGestureRecognizer* tap = [[UITapGestureRecognizer alloc] initWithTarget:self
+                                                                              action:@selector(_rowTapped:)];
         [cell addGestureRecognizer:tap];
         [tap release];
     }
     NSInteger component = (NSInteger)[_tables indexOfObjectIdenticalTo:tableView];
     BOOL hasTitles = [_delegate respondsToSelector:@selector(pickerView:titleForRow:forComponent:)];
-    cell.textLabel.text = hasTitles ? [_delegate pickerView:self titleForRow:[indexPath row] forComponent:component] : nil;
+    cell.textLabel.text =
+        hasTitles ? [_delegate pickerView:self titleForRow:[indexPath row] forComponent:component] : nil;
     return cell;
 }
 

@@ -93,8 +93,8 @@ static const NSTimeInterval flingTime = 0.4;
         }
         break;
     case UIGestureRecognizerStateChanged:
-        self.contentOffset =
-            [self _offset:CGPointMake(_offsetAtDrag.x - moved.x, _offsetAtDrag.y - moved.y) within:bounce];
+        self.contentOffset = [self _offset:CGPointMake(_offsetAtDrag.x - moved.x, _offsetAtDrag.y - moved.y)
+                                    within:bounce];
         [self _refreshWhenPulled];
         break;
     case UIGestureRecognizerStateEnded:
@@ -111,8 +111,9 @@ static const NSTimeInterval flingTime = 0.4;
 
 - (void)_endDragWithVelocity:(CGPoint)velocity {
     [[self retain] autorelease];
-    CGPoint rest = [self _offset:CGPointMake(_boundsOrigin.x - velocity.x * flingTime, _boundsOrigin.y - velocity.y * flingTime)
-                          within:0];
+    CGPoint rest =
+        [self _offset:CGPointMake(_boundsOrigin.x - velocity.x * flingTime, _boundsOrigin.y - velocity.y * flingTime)
+               within:0];
     BOOL decelerates = hypot(velocity.x, velocity.y) > flingVelocity || !NSEqualPoints(rest, _boundsOrigin);
     _dragging = NO;
     if ([_delegate respondsToSelector:@selector(scrollViewDidEndDragging:willDecelerate:)]) {

@@ -18,7 +18,8 @@ BOOL UISliderContinueTracking(UISlider* slider, UITouch* touch, UIEvent* event) 
 @synthesize value = _value, minimumValue = _minimumValue, maximumValue = _maximumValue, continuous = _continuous;
 
 - (instancetype)initWithFrame:(CGRect)frame {
-    if ((self = [super initWithFrame:frame.size.width > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 200, 31)])) {
+    if ((self = [super
+             initWithFrame:frame.size.width > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 200, 31)])) {
         _maximumValue = 1;
         _continuous = YES;
     }

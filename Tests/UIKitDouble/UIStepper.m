@@ -4,7 +4,8 @@
 @synthesize value = _value, minimumValue = _minimumValue, maximumValue = _maximumValue, stepValue = _stepValue;
 
 - (instancetype)initWithFrame:(CGRect)frame {
-    if ((self = [super initWithFrame:frame.size.width > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 94, 32)])) {
+    if ((self =
+             [super initWithFrame:frame.size.width > 0 ? frame : CGRectMake(frame.origin.x, frame.origin.y, 94, 32)])) {
         _maximumValue = 100;
         _stepValue = 1;
     }
@@ -21,6 +22,7 @@
     BOOL isRight = [touch locationInView:self].x >= self.bounds.size.width / 2;
     self.value = former + (isRight ? _stepValue : -_stepValue);
     BOOL hasChanged = _value < former || _value > former;
-    if (hasChanged) [self sendActionsForControlEvents:UIControlEventValueChanged | UIControlEventPrimaryActionTriggered];
+    if (hasChanged)
+        [self sendActionsForControlEvents:UIControlEventValueChanged | UIControlEventPrimaryActionTriggered];
 }
 @end

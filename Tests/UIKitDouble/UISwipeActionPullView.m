@@ -35,7 +35,10 @@ static const CGFloat buttonWidth = 74;
     [[self retain] autorelease];
     UITableView* tableView = _tableView;
     UIContextualAction* action = [[[_actions objectAtIndex:(NSUInteger)button.tag] retain] autorelease];
-    if (action.handler) action.handler(action, self, ^(BOOL isPerformed) { (void)isPerformed; });
+    if (action.handler)
+        action.handler(action, self, ^(BOOL isPerformed) {
+          (void)isPerformed;
+        });
     [tableView _closeSwipeActions];
 }
 @end

@@ -97,7 +97,8 @@
 - (NSIndexPath*)_pathOfOrdinal:(NSInteger)ordinal {
     for (NSUInteger section = 0; section < [_rowCounts count]; ++section) {
         NSInteger rows = [[_rowCounts objectAtIndex:section] integerValue];
-        if (ordinal < rows) return ordinal < 0 ? nil : [NSIndexPath indexPathForRow:ordinal inSection:(NSInteger)section];
+        if (ordinal < rows)
+            return ordinal < 0 ? nil : [NSIndexPath indexPathForRow:ordinal inSection:(NSInteger)section];
         ordinal -= rows;
     }
     return nil;
@@ -242,8 +243,9 @@
         [self _closeSwipeActions];
         return;
     }
-    NSIndexPath* path = [self indexPathForRowAtPoint:[(UITouch*)[touches anyObject] locationInView:self]];
-    if (path) [self _userSelects:path];
+    UITouch* touch = [touches anyObject];
+    NSIndexPath* path = [self indexPathForRowAtPoint:[touch locationInView:self]];
+    if (path && ![touch _hasMoved]) [self _userSelects:path];
 }
 
 - (void)_userSelects:(NSIndexPath*)path {

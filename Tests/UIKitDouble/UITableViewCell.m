@@ -110,8 +110,8 @@ static const CGFloat accessoryWidth = 44;
     for (UIGestureRecognizer* recognizer in self.gestureRecognizers) {
         if ([recognizer isKindOfClass:[_UISwipeActionPanGestureRecognizer class]]) return;
     }
-    UIGestureRecognizer* recognizer =
-        [[_UISwipeActionPanGestureRecognizer alloc] initWithTarget:self action:@selector(_swiped:)];
+    UIGestureRecognizer* recognizer = [[_UISwipeActionPanGestureRecognizer alloc] initWithTarget:self
+                                                                                          action:@selector(_swiped:)];
     [self addGestureRecognizer:recognizer];
     [recognizer release];
 }

@@ -59,8 +59,8 @@
 
 - (void)insertText:(NSString*)text {
     if ([text isEqualToString:@"\n"]) {
-        BOOL returns = ![_delegate respondsToSelector:@selector(textFieldShouldReturn:)]
-                       || [_delegate textFieldShouldReturn:self];
+        BOOL returns =
+            ![_delegate respondsToSelector:@selector(textFieldShouldReturn:)] || [_delegate textFieldShouldReturn:self];
         if (returns) [self sendActionsForControlEvents:UIControlEventEditingDidEndOnExit];
         return;
     }

@@ -1,5 +1,9 @@
 #import "UIKitPrivate.h"
 
+#include <math.h>
+
+static const CGFloat allowedMovement = 10;
+
 @implementation UITouch
 @synthesize view = _view, phase = _phase, timestamp = _timestamp, gestureRecognizers = _gestureRecognizers;
 
@@ -8,7 +12,7 @@
         _view = [view retain];
         _phase = UITouchPhaseBegan;
         _timestamp = time;
-        _location = _previousLocation = [view convertPoint:point toView:nil];
+        _location = _previousLocation = _startLocation = [view convertPoint:point toView:nil];
     }
     return self;
 }
@@ -25,9 +29,13 @@
 
 - (void)_moveTo:(CGPoint)point inView:(UIView*)view phase:(UITouchPhase)phase time:(NSTimeInterval)time {
     _previousLocation = _location;
-    _location = [view convertPoint:point toView:nil];
+    _location = view ? [view convertPoint:point toView:nil] : point;
     _phase = phase;
     _timestamp = time;
+}
+
+- (BOOL)_hasMoved {
+    return hypot(_location.x - _startLocation.x, _location.y - _startLocation.y) > allowedMovement;
 }
 
 - (CGPoint)_location {

@@ -25,7 +25,8 @@
 - (instancetype)initWithCoder:(NSCoder*)coder {
     if ((self = [super init])) {
         [self _prepare];
-        if ([coder allowsKeyedCoding] && [coder containsValueForKey:@"UIFrame"]) _frame = [coder decodeRectForKey:@"UIFrame"];
+        if ([coder allowsKeyedCoding] && [coder containsValueForKey:@"UIFrame"])
+            _frame = [coder decodeRectForKey:@"UIFrame"];
     }
     return self;
 }

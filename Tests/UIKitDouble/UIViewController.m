@@ -193,7 +193,9 @@
     return controller;
 }
 
-- (void)presentViewController:(UIViewController*)controller animated:(BOOL)animated completion:(void (^)(void))completion {
+- (void)presentViewController:(UIViewController*)controller
+                     animated:(BOOL)animated
+                   completion:(void (^)(void))completion {
     UIViewController* presenter = [self _outermostParent];
     if (!controller || presenter->_presentedViewController) return;
     presenter->_presentedViewController = [controller retain];

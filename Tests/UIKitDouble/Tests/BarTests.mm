@@ -10,7 +10,8 @@ protected:
 
     UIView* part(UIView* bar, const char* className, NSUInteger index = 0) {
         for (UIView* view in bar.subviews) {
-            if ([NSStringFromClass([view class]) isEqualToString:[NSString stringWithUTF8String:className]] && index-- == 0) {
+            if ([NSStringFromClass([view class]) isEqualToString:[NSString stringWithUTF8String:className]]
+                && index-- == 0) {
                 return view;
             }
         }

@@ -126,8 +126,8 @@ TEST_F(Controllers, AnAlertsActionRunsAfterItIsGone) {
     [alert addAction:[UIAlertAction actionWithTitle:@"Yes"
                                               style:UIAlertActionStyleDefault
                                             handler:^(UIAlertAction* action) {
-                                                [told->heard addObject:action.title];
-                                                [told->heard addObject:root.presentedViewController ? @"there" : @"gone"];
+                                              [told->heard addObject:action.title];
+                                              [told->heard addObject:root.presentedViewController ? @"there" : @"gone"];
                                             }]];
     [root presentViewController:alert animated:YES completion:NULL];
     UIView* group = [alert.view.subviews lastObject];

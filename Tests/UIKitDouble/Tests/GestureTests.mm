@@ -10,8 +10,7 @@ protected:
 
     template <class Recognizer>
     Recognizer* added() {
-        Recognizer* recognizer =
-            [[[Recognizer alloc] initWithTarget:probe action:@selector(recognized:)] autorelease];
+        Recognizer* recognizer = [[[Recognizer alloc] initWithTarget:probe action:@selector(recognized:)] autorelease];
         [view addGestureRecognizer:recognizer];
         return recognizer;
     }
@@ -134,7 +133,8 @@ TEST_F(Gestures, OfTwoTheInnerOneWins) {
     added<UITapGestureRecognizer>();
     UIView* inner = [[[UIView alloc] initWithFrame:CGRectMake(0, 0, 50, 50)] autorelease];
     Probe* other = [Probe probe];
-    [inner addGestureRecognizer:[[[UITapGestureRecognizer alloc] initWithTarget:other action:@selector(bareAction)] autorelease]];
+    [inner addGestureRecognizer:[[[UITapGestureRecognizer alloc] initWithTarget:other
+                                                                         action:@selector(bareAction)] autorelease]];
     [view addSubview:inner];
     [Finger tap:inner];
     EXPECT_EQ(heardBy(probe), "");

@@ -2,9 +2,9 @@
 // An object that hears of everything, as target and as delegate, and writes it down.
 #import "Finger.h"
 
-@interface Probe : NSObject <UITableViewDataSource, UITableViewDelegate, UICollectionViewDataSource, UICollectionViewDelegate,
-                             UIPickerViewDataSource, UIPickerViewDelegate, UITabBarDelegate, UISearchBarDelegate,
-                             UISearchResultsUpdating, UIGestureRecognizerDelegate> {
+@interface Probe : NSObject <UITableViewDataSource, UITableViewDelegate, UICollectionViewDataSource,
+                             UICollectionViewDelegate, UIPickerViewDataSource, UIPickerViewDelegate, UITabBarDelegate,
+                             UISearchBarDelegate, UISearchResultsUpdating, UIGestureRecognizerDelegate> {
 @public
     NSMutableArray* heard;
     NSInteger rows;

@@ -87,8 +87,8 @@ TEST_F(Scrolling, ARowMovedToTheLeftShowsItsActions) {
         [UIContextualAction contextualActionWithStyle:UIContextualActionStyleDestructive
                                                 title:@"Delete"
                                               handler:^(UIContextualAction* action, UIView*, void (^done)(BOOL)) {
-                                                  [told->heard addObject:action.title];
-                                                  done(YES);
+                                                [told->heard addObject:action.title];
+                                                done(YES);
                                               }];
     probe->swipeActions = [[UISwipeActionsConfiguration configurationWithActions:@[ remove ]] retain];
     show(3);

@@ -1,7 +1,10 @@
 #pragma once
 #import "UIView.h"
 
-typedef NS_ENUM(NSInteger, UIContextualActionStyle) { UIContextualActionStyleNormal, UIContextualActionStyleDestructive };
+typedef NS_ENUM(NSInteger, UIContextualActionStyle) {
+    UIContextualActionStyleNormal,
+    UIContextualActionStyleDestructive
+};
 
 @class UIContextualAction;
 typedef void (^UIContextualActionHandler)(UIContextualAction* action, UIView* sourceView,

@@ -28,7 +28,7 @@ typedef NS_ENUM(NSInteger, UITableViewStyle) { UITableViewStylePlain, UITableVie
 @interface UITableView : UIScrollView {
     id<UITableViewDataSource> _dataSource;
     UITableViewStyle _style;
-    NSMutableDictionary* _visibleCells; // index path -> cell
+    NSMutableDictionary* _visibleCells;  // index path -> cell
     NSMutableDictionary* _reusableCells; // identifier -> cells
     NSMutableDictionary* _cellClasses;
     NSMutableArray* _rowCounts; // of each section

@@ -16,7 +16,8 @@ typedef NS_ENUM(NSInteger, UITouchPhase) {
     UIView* _view;
     UITouchPhase _phase;
     NSTimeInterval _timestamp;
-    CGPoint _location; // in the outermost view's coordinates
+    CGPoint _startLocation;
+    CGPoint _location; // in the coordinates that the outermost view is in
     CGPoint _previousLocation;
     NSArray* _gestureRecognizers;
     BOOL _isTakenFromView;

@@ -56,6 +56,8 @@ typedef NS_ENUM(NSInteger, UIModalPresentationStyle) {
 - (void)beginAppearanceTransition:(BOOL)appears animated:(BOOL)animated;
 - (void)endAppearanceTransition;
 
-- (void)presentViewController:(UIViewController*)controller animated:(BOOL)animated completion:(void (^)(void))completion;
+- (void)presentViewController:(UIViewController*)controller
+                     animated:(BOOL)animated
+                   completion:(void (^)(void))completion;
 - (void)dismissViewControllerAnimated:(BOOL)animated completion:(void (^)(void))completion;
 @end
