@@ -1,0 +1,287 @@
+#include "Capture/CaptureHost.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tallyfoot::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr const char* didSelect = "tableView:didSelectRowAtIndexPath:";
+
+// Delegates of a table, whose handling notes its class's name.
+class DelegateHooksTest : public ::testing::Test {
+protected:
+    DelegateHooksTest() {
+        host_.capture.configureSwizzle();
+        host_.addClass("Plain", "NSObject");
+        host_.addClass("Handling", "NSObject");
+        handle("Handling");
+        host_.addClass("Inheriting", "Handling");
+        host_.addClass("Overriding", "Handling");
+        handle("Overriding", "Overriding");
+    }
+
+    // With a class to send it on to its superclass from, where one is given.
+    void handle(const char* className, const char* superFrom = nullptr, const char* selector = didSelect) {
+        host_.runtime.addMethod(
+            className, selector, [this, className, superFrom](const MemoryRuntime::Invocation& call) {
+                host_.journal.emplace_back(className);
+                if (superFrom)
+                    host_.runtime.sendSuper(call.self, superFrom, host_.runtime.sel_getName(call.selector),
+                                            call.arguments);
+                return MemoryRuntime::Value();
+            });
+    }
+    ObjectRef setDelegate(const char* className) {
+        const auto delegate = host_.make(className);
+        host_.setDelegate(table_, delegate);
+        return delegate;
+    }
+    void select(ObjectRef delegate) {
+        host_.journal.clear();
+        host_.events.clear();
+        host_.send(delegate, didSelect, {table_, indexPath_});
+    }
+
+    CaptureHost host_;
+    const ObjectRef table_ = host_.make("UITableView");
+    const ObjectRef indexPath_ = host_.make("NSObject");
+};
+
+TEST_F(DelegateHooksTest, TheSetterGoesToThePlatformFirst) {
+    setDelegate("Handling");
+    EXPECT_THAT(host_.journal, ElementsAre("setDelegate:"));
+    host_.setDelegate(table_, {});
+    EXPECT_THAT(host_.journal, ElementsAre("setDelegate:", "setDelegate:"));
+}
+
+TEST_F(DelegateHooksTest, TheHostsHandlingRunsBeforeTheRecord) {
+    host_.runtime.addMethod("Plain", didSelect, [&](const auto& call) {
+        EXPECT_EQ(call.object(0), table_);
+        EXPECT_EQ(call.object(1), indexPath_);
+        EXPECT_STREQ(host_.runtime.sel_getName(call.selector), didSelect) << "it sees its own name";
+        EXPECT_THAT(host_.events, IsEmpty());
+        host_.journal.emplace_back("Plain");
+        return MemoryRuntime::Value();
+    });
+    select(setDelegate("Plain"));
+    EXPECT_THAT(host_.journal, ElementsAre("Plain"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, ADelegateThatIgnoresSelectionsIsRecorded) {
+    select(setDelegate("Plain"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, ADelegateOfTwoTablesIsRecordedOnce) {
+    for (const auto* className : {"Plain", "Handling", "Inheriting", "Overriding"}) {
+        const auto delegate = setDelegate(className);
+        host_.setDelegate(host_.make("UITableView"), delegate);
+        host_.setDelegate(table_, delegate);
+        select(delegate);
+        EXPECT_THAT(host_.events, SizeIs(1)) << className;
+    }
+}
+
+TEST_F(DelegateHooksTest, AHandlingThatIsInheritedRunsOnce) {
+    select(setDelegate("Inheriting"));
+    EXPECT_THAT(host_.journal, ElementsAre("Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, AfterASubclassTheSuperclassKeepsItsHandling) {
+    setDelegate("Inheriting");
+    select(setDelegate("Handling"));
+    EXPECT_THAT(host_.journal, ElementsAre("Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, AHandlingThatCallsItsSuperclassIsRecordedOnce) {
+    select(setDelegate("Overriding"));
+    EXPECT_THAT(host_.journal, ElementsAre("Overriding", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, SoItIsWhenBothClassesHaveBeenIntercepted) {
+    setDelegate("Handling");
+    setDelegate("Inheriting");
+    select(setDelegate("Overriding"));
+    EXPECT_THAT(host_.journal, ElementsAre("Overriding", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, SoItIsThroughThreeClassesWithAnInheritingOneBetween) {
+    host_.addClass("Lowest", "Inheriting");
+    handle("Lowest", "Lowest");
+    for (const auto* className : {"Inheriting", "Lowest", "Handling"}) setDelegate(className);
+    select(setDelegate("Lowest"));
+    EXPECT_THAT(host_.journal, ElementsAre("Lowest", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, ACallToASuperclassThatHadNoHandlingEnds) {
+    setDelegate("Plain");
+    host_.addClass("BelowPlain", "Plain");
+    handle("BelowPlain", "BelowPlain");
+    select(setDelegate("BelowPlain"));
+    EXPECT_THAT(host_.journal, ElementsAre("BelowPlain"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, AnotherSelectionMadeByTheHandlingIsRecordedToo) {
+    const auto other = host_.make("NSObject");
+    host_.runtime.addMethod("Plain", didSelect, [&](const auto& call) {
+        if (call.object(1) == indexPath_) host_.send(call.self, didSelect, {table_, other});
+        return MemoryRuntime::Value();
+    });
+    select(setDelegate("Plain"));
+    EXPECT_THAT(host_.events, SizeIs(2));
+}
+
+TEST_F(DelegateHooksTest, WhatTheHandlingThrowsPassesAndTheNextCallIsRecorded) {
+    bool throws = true;
+    host_.runtime.addMethod("Plain", didSelect, [&](const auto&) {
+        if (throws) throw std::range_error("host");
+        return MemoryRuntime::Value();
+    });
+    const auto delegate = setDelegate("Plain");
+    EXPECT_THROW(select(delegate), std::range_error);
+    EXPECT_THAT(host_.events, IsEmpty());
+    throws = false;
+    select(delegate);
+    EXPECT_THAT(host_.events, SizeIs(1));
+    EXPECT_EQ(host_.runtime.retainCount(table_), 1);
+}
+
+TEST_F(DelegateHooksTest, ATableThatTheHandlingReleasesLivesUntilItIsRecorded) {
+    const auto table = host_.make("UITableView");
+    const auto indexPath = host_.make("NSObject");
+    host_.runtime.addMethod("Plain", didSelect, [&](const auto&) {
+        host_.runtime.objc_release(table);
+        host_.runtime.objc_release(indexPath);
+        return MemoryRuntime::Value();
+    });
+    const auto delegate = host_.make("Plain");
+    host_.setDelegate(table, delegate);
+    host_.send(delegate, didSelect, {table, indexPath});
+    EXPECT_THAT(host_.events, SizeIs(1));
+    EXPECT_FALSE(host_.runtime.isAlive(table));
+    EXPECT_FALSE(host_.runtime.isAlive(indexPath));
+}
+
+TEST_F(DelegateHooksTest, NothingIsHeldAfterwards) {
+    const auto delegate = setDelegate("Handling");
+    select(delegate);
+    for (const auto object : {table_, indexPath_, delegate}) EXPECT_EQ(host_.runtime.retainCount(object), 1);
+}
+
+TEST_F(DelegateHooksTest, ThousandsOfSettingsAddNothing) {
+    const auto delegate = setDelegate("Handling");
+    const auto before = host_.runtime.ownMethods();
+    for (int time = 0; time < 5000; ++time) {
+        host_.setDelegate(table_, delegate);
+        host_.setDelegate(table_, {});
+    }
+    EXPECT_EQ(host_.runtime.ownMethods(), before);
+    EXPECT_EQ(host_.runtime.openPools(), 0);
+}
+
+TEST_F(DelegateHooksTest, AnObservedDelegateIsInterceptedInItsOwnClass) {
+    const auto delegate = host_.make("Handling");
+    host_.runtime.observe(delegate);
+    host_.setDelegate(table_, delegate);
+    select(delegate);
+    EXPECT_THAT(host_.journal, ElementsAre("Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+    select(setDelegate("Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, ARootClassOfItsOwnIsLeftAlone) {
+    host_.runtime.addClass("Proxy");
+    const auto before = host_.runtime.ownMethods();
+    setDelegate("Proxy");
+    EXPECT_EQ(host_.runtime.ownMethods(), before);
+}
+
+// A proxy has no handling of its own: it passes on whatever it is sent.
+class ProxyTest : public DelegateHooksTest {
+protected:
+    ProxyTest() { host_.addClass("Proxy", "NSObject"); }
+
+    ObjectRef makeProxy(ObjectRef target) {
+        const auto proxy = host_.make("Proxy");
+        host_.runtime.answerWith(proxy, "respondsToSelector:", [this, target](const auto& call) {
+            return MemoryRuntime::Value(
+                host_.runtime.respondsToSelector(target, std::get<SelectorRef>(call.arguments[0])));
+        });
+        host_.runtime.answerWith(proxy, "forwardInvocation:", [this, target](const auto& call) {
+            host_.journal.emplace_back("forwardInvocation:");
+            auto arguments = call.arguments;
+            const auto selector = std::get<SelectorRef>(arguments[0]);
+            arguments.erase(arguments.begin());
+            return host_.send(target, host_.runtime.sel_getName(selector), std::move(arguments));
+        });
+        return proxy;
+    }
+};
+
+TEST_F(ProxyTest, ItsTargetStillHandlesTheSelection) {
+    const auto proxy = makeProxy(host_.make("Handling"));
+    host_.setDelegate(table_, proxy);
+    host_.setDelegate(table_, proxy);
+    select(proxy);
+    EXPECT_THAT(host_.journal, ElementsAre("forwardInvocation:", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(ProxyTest, ATargetThatDoesNotHandleItIsNotSentIt) {
+    host_.setDelegate(table_, makeProxy(host_.make("Handling")));
+    const auto proxy = makeProxy(host_.make("Plain"));
+    host_.setDelegate(table_, proxy);
+    select(proxy);
+    EXPECT_THAT(host_.journal, IsEmpty());
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, AnotherLibraryThatExchangesTheCallbackLaterRunsOnceAndSoDoWe) {
+    for (const auto* className : {"Handling", "Plain"}) {
+        const auto delegate = setDelegate(className);
+        host_.runtime.addMethod(className, "other:didSelect:", [&](const MemoryRuntime::Invocation& call) {
+            host_.journal.emplace_back("other");
+            return host_.send(call.self, "other:didSelect:", call.arguments);
+        });
+        const auto find = [&](const char* name) {
+            return host_.runtime.class_getInstanceMethod(host_.runtime.objc_getClass(className),
+                                                         host_.runtime.sel_registerName(name));
+        };
+        host_.runtime.method_exchangeImplementations(find(didSelect), find("other:didSelect:"));
+        for (int time = 0; time < 2; ++time) {
+            select(delegate);
+            EXPECT_EQ(std::count(host_.journal.begin(), host_.journal.end(), "other"), 1) << className;
+            EXPECT_EQ(std::count(host_.journal.begin(), host_.journal.end(), "Handling"),
+                      std::string(className) == "Handling");
+            EXPECT_THAT(host_.events, SizeIs(1)) << className << time;
+            host_.setDelegate(host_.make("UITableView"), delegate);
+        }
+    }
+}
+
+TEST_F(DelegateHooksTest, CallbacksOfOneDelegateDoNotGetInEachOthersWay) {
+    host_.runtime.addMethod("Plain", didSelect, [&](const auto& call) {
+        host_.send(call.self, "scrollViewDidEndDecelerating:", {table_});
+        return MemoryRuntime::Value();
+    });
+    select(setDelegate("Plain"));
+    ASSERT_THAT(host_.events, SizeIs(2));
+    EXPECT_EQ(host_.events[0].type, EventType::scroll);
+    EXPECT_EQ(host_.events[1].type, EventType::selection);
+}
+
+} // namespace
+} // namespace tallyfoot::testing
