@@ -18,14 +18,14 @@ help: ## this list
 
 .PHONY: demo
 demo: ## a local collector and a small host, from the first event to the confirmed upload
-	@Scripts/install-dependencies build test
+	@Scripts/install-dependencies build test objc
 	$(call configured,release)
 	@cmake --build --preset release --target tallyfoot
 	@build/release/Sources/CommandLine/tallyfoot demo
 
 .PHONY: test
 test: ## build with g++ and run all tests
-	@Scripts/install-dependencies build test
+	@Scripts/install-dependencies build test objc
 	$(call configured,release)
 	@cmake --build --preset release
 	@ctest --preset release --parallel $(JOBS)
@@ -35,7 +35,7 @@ check: check-format check-layering check-warnings check-tidy ## formatting, laye
 	@echo "All checks passed."
 
 check-format:
-	@Scripts/install-dependencies build test check
+	@Scripts/install-dependencies build test objc check
 	@Scripts/check-format
 
 check-layering:
@@ -43,7 +43,7 @@ check-layering:
 	@Scripts/check-layering
 
 check-warnings:
-	@Scripts/install-dependencies build test check
+	@Scripts/install-dependencies build test objc check
 	$(call configured,release)
 	@cmake --build --preset release
 	$(call configured,clang)
@@ -51,7 +51,7 @@ check-warnings:
 	@cmake --build --preset clang --target all_verify_interface_header_sets
 
 check-tidy:
-	@Scripts/install-dependencies build test check
+	@Scripts/install-dependencies build test objc check
 	$(call configured,clang)
 	@Scripts/check-tidy build/clang $(JOBS)
 
@@ -62,13 +62,13 @@ format: ## lay out all sources the one way
 
 .PHONY: test-asan test-tsan
 test-asan: ## all tests under AddressSanitizer and UndefinedBehaviorSanitizer
-	@Scripts/install-dependencies build test sanitize
+	@Scripts/install-dependencies build test objc sanitize
 	$(call configured,asan)
 	@cmake --build --preset asan
 	@ctest --preset asan --parallel $(JOBS)
 
 test-tsan: ## all tests under ThreadSanitizer
-	@Scripts/install-dependencies build test sanitize
+	@Scripts/install-dependencies build test objc sanitize
 	$(call configured,tsan)
 	@$(FIXED_LAYOUT) cmake --build --preset tsan
 	@$(FIXED_LAYOUT) ctest --preset tsan --parallel $(JOBS)
@@ -96,7 +96,7 @@ kill-campaign: ## hundreds of kills at random moments: not one acknowledged even
 
 .PHONY: install
 install: ## the library, its package files and the tool, below PREFIX (/usr/local)
-	@Scripts/install-dependencies build test
+	@Scripts/install-dependencies build test objc
 	$(call configured,release)
 	@cmake --build --preset release --target all
 	@cmake --install build/release --prefix $(PREFIX)

@@ -31,9 +31,8 @@ endif()
 # Warnings for our own code; never for a header that somebody else wrote.
 function(tallyfoot_warnings target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
-  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    target_compile_options(${target} PRIVATE -Wthread-safety)
-  endif()
+  target_compile_options(${target} PRIVATE
+    $<$<OR:$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>,$<COMPILE_LANGUAGE:OBJCXX>>:-Wthread-safety>)
   if(TALLYFOOT_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()

@@ -21,7 +21,9 @@ configure_package_config_file(
   INSTALL_DESTINATION "${tallyfoot_package_folder}")
 write_basic_package_version_file("${generated}/TallyfootConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
 install(FILES "${generated}/TallyfootConfig.cmake" "${generated}/TallyfootConfigVersion.cmake"
+  "${CMAKE_CURRENT_LIST_DIR}/TallyfootFoundation.cmake"
   DESTINATION "${tallyfoot_package_folder}")
+install(DIRECTORY "${CMAKE_CURRENT_LIST_DIR}/GNUstep" DESTINATION "${tallyfoot_package_folder}")
 
 # Relative to where the file lies, so that neither --prefix nor a move makes it wrong.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE libdir)

@@ -1,0 +1,1 @@
+#include <Block.h> // what GNUstep's headers look for under this name

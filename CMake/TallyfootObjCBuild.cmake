@@ -1,0 +1,32 @@
+# Whether the Objective-C face can be built here, and with which compiler. Sets TALLYFOOT_HAS_OBJC.
+# Included from the top: a language is enabled for all folders below.
+
+set(TALLYFOOT_HAS_OBJC FALSE)
+set_property(CACHE TALLYFOOT_BUILD_OBJC PROPERTY STRINGS AUTO ON OFF)
+if(NOT TALLYFOOT_BUILD_OBJC)
+  return()
+endif()
+
+include(TallyfootFoundation)
+if(TallyfootFoundation_FOUND)
+  # clang, whatever compiles the C++: it alone knows blocks on GCC's runtime.
+  if(NOT APPLE AND NOT CMAKE_OBJCXX_COMPILER)
+    set(CMAKE_OBJCXX_COMPILER "${TALLYFOOT_OBJC_COMPILER}")
+  endif()
+  enable_language(OBJCXX)
+  set(CMAKE_OBJCXX_STANDARD 20)
+  set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+  set(CMAKE_OBJCXX_EXTENSIONS OFF)
+  set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
+  if(TALLYFOOT_CCACHE AND NOT CMAKE_OBJCXX_COMPILER_LAUNCHER AND PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_OBJCXX_COMPILER_LAUNCHER "${TALLYFOOT_CCACHE}")
+  endif()
+  set(TALLYFOOT_HAS_OBJC TRUE)
+else()
+  list(JOIN TallyfootFoundation_MISSING ", " missing)
+  if(TALLYFOOT_BUILD_OBJC STREQUAL "AUTO")
+    message(STATUS "Tallyfoot::ObjC is not built; missing: ${missing}. Scripts/install-dependencies objc installs it.")
+  else()
+    message(FATAL_ERROR "Tallyfoot::ObjC needs ${missing}. Scripts/install-dependencies objc installs it.")
+  endif()
+endif()
