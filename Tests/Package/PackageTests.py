@@ -14,6 +14,9 @@ from pathlib import Path
 
 RECORDS_OF_THE_HOST = 8  # one for each log call in Examples/Host/main.cpp
 
+RECORDS_OF_THE_OBJECTIVE_C_HOST = 5
+HEADERS_FOR_BINDINGS = ["Capture/Capture.h", "Facade/CaptureConnection.h", "Platform/FatalError.h"]
+
 
 class Failure(Exception):
     pass
@@ -69,6 +72,23 @@ class PackageTests:
         self.expect("libTallyfoot" not in run("readelf", "--dynamic", host), "the host still wants the shared library")
         self.run_host(host)
 
+    def ObjectiveC(self):
+        """In plain Objective-C, whatever compiles the C++."""
+        project = Path(shutil.copytree(self.source / "Examples/ObjCHost", self.scratch / "ObjCHost"))
+        self.configure(project, self.prefix, f"-DCMAKE_OBJC_COMPILER={shutil.which('clang')}")
+        run(self.cmake, "--build", self.scratch / "build")
+        host = self.scratch / "build/ObjCHost"
+        self.expect("libTallyfootObjC.so" in run("readelf", "--dynamic", host), "the host does not use the library")
+        self.run_host(host, ends="token token-1, path no such path\n", records=RECORDS_OF_THE_OBJECTIVE_C_HOST)
+
+    def ExportsOnlyItsClasses(self):
+        symbols = run("nm", "--dynamic", "--defined-only", self.libraries() / "libTallyfootObjC.so")
+        names = {line.split()[2] for line in symbols.splitlines()}
+        classes = {f"__objc_class_name_{name}"
+                   for name in ("ApplicationInfo", "Authentication", "Environment", "Tallyfoot", "UploadConfiguration")}
+        blocks = {"_Block_copy", "_Block_object_assign", "_Block_object_dispose", "_Block_release"}
+        self.expect(names == classes | blocks, f"exported: {sorted(names)}")
+
     def FetchContent(self):
         shutil.copytree(self.source / "Examples", self.scratch / "Examples")
         folder = self.scratch / "build"
@@ -82,10 +102,12 @@ class PackageTests:
         self.run_host(folder / "Host")
 
     def ExportsOnlyThePublicInterface(self):
-        """Every exported symbol belongs to a class or function that an installed header marks."""
-        headers = "".join(path.read_text(encoding="utf-8") for path in self.installed_headers())
+        """Every exported symbol belongs to a class or function that a header marks: an installed one, or
+        one for the library's own bindings, which are libraries of their own."""
+        for_bindings = [self.source / "Sources/Tallyfoot" / name for name in HEADERS_FOR_BINDINGS]
+        headers = "".join(path.read_text(encoding="utf-8") for path in [*self.installed_headers(), *for_bindings])
         classes = set(re.findall(r"\b(?:class|struct) TALLYFOOT_EXPORT (\w+)", headers))
-        functions = set(re.findall(r"^TALLYFOOT_EXPORT [^;(]*?(\w+)\(", headers, re.MULTILINE))
+        functions = set(re.findall(r"^(?:\[\[noreturn\]\] )?TALLYFOOT_EXPORT [^;(]*?(\w+)\(", headers, re.MULTILINE))
         symbols = run("nm", "--dynamic", "--defined-only", "--demangle", self.libraries() / "libTallyfoot.so")
         names = [line.split(" ", 2)[2] for line in symbols.splitlines()]
         self.expect(any(name.startswith("tallyfoot::Tallyfoot::log(") for name in names), "no log among the exports")
@@ -155,17 +177,17 @@ class PackageTests:
         run(self.compiler, "-std=c++20", self.copy_of_the_host() / "main.cpp", "-o", host, *flags.split())
         return host
 
-    def run_host(self, host, **variables):
+    def run_host(self, host, ends="token token-1, type screen, key pgName\n", records=RECORDS_OF_THE_HOST, **variables):
         """Runs it in a home of its own, without a server; its records must be on disk afterwards."""
         home = self.scratch / "home"
         home.mkdir()
         environment = {name: value for name, value in os.environ.items() if not name.startswith(("XDG_", "TALLYFOOT_"))}
         environment |= {"HOME": str(home)} | {name: str(value) for name, value in variables.items()}
         output = run(host, environment=environment)
-        self.expect(output.endswith("token token-1, type screen, key pgName\n"), output)
+        self.expect(output.endswith(ends), output)
         logs = sorted((home / ".local/share/Tallyfoot/Shop").rglob("*.log"))
-        records = sum(path.read_bytes().count(b"jsonsplit") for path in logs)
-        self.expect(records == RECORDS_OF_THE_HOST, f"{records} records in {logs}")
+        found = sum(path.read_bytes().count(b"jsonsplit") for path in logs)
+        self.expect(found == records, f"{found} records in {logs}")
 
     @staticmethod
     def expect(truth, otherwise):

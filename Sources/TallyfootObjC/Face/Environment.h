@@ -1,0 +1,31 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+#import <TallyfootObjC/Face/Export.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+typedef NS_ENUM(NSInteger, Endpoint) { EndpointDev = 0, EndpointUat = 1, EndpointProd = 2 };
+
+// Which server uploads go to: the endpoint's base address comes from the property list "Environment"
+// that the host ships in a framework.
+TALLYFOOT_OBJC_EXPORT
+@interface Environment : NSObject {
+@package
+    void* _record;
+}
+
+- (instancetype)init NS_DESIGNATED_INITIALIZER; // nothing is read yet
+
+// Reads the property list and composes the upload path. What cannot be resolved leaves the path as it
+// was, silently. A number that is no endpoint counts as none.
+- (void)setEndpoint:(Endpoint)endpoint;
+
+@property(nonatomic, copy) NSString* uploadPath; // "no such path" until an endpoint was resolved
+
+// The property list as it was last found; none before, and none when that file was unreadable.
+@property(nonatomic, readonly, nullable) NSDictionary<NSString*, id>* environmentDict;
+
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Support/HostBundle.h"
+#include "Support/TemporaryFolder.h"
+#import "TallyfootObjC/TallyfootObjC.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace tallyfoot::testing {
+
+// A host process of its own, written in Objective-C: every test runs in one, with its own folders and
+// an autorelease pool around it.
+class ObjCHost : public ::testing::Test {
+protected:
+    ObjCHost();
+    ~ObjCHost() override;
+
+    void start(); // the application "Shop", a user, an upload address where nobody listens
+    std::vector<nlohmann::json> records(const std::string& appName = "Shop") const;
+
+    TemporaryFolder root_;
+    HostBundle bundle_{"Bundled"};
+
+private:
+    NSAutoreleasePool* pool_ = [[NSAutoreleasePool alloc] init];
+};
+
+NSString* loneSurrogate(); // "a", half a character, "b"
+
+} // namespace tallyfoot::testing
+
+// Raises at every question, as an object of the host's may.
+@interface RaisingDictionary : NSDictionary
+@end

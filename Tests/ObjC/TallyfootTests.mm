@@ -1,0 +1,242 @@
+#include "ObjC/ObjCHost.h"
+
+#include "Tallyfoot/Tallyfoot.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <future>
+
+namespace {
+
+using namespace tallyfoot::testing;
+using nlohmann::json;
+using ::testing::ElementsAre;
+using ::testing::SizeIs;
+
+using ObjCTallyfoot = ObjCHost;
+
+ApplicationInfo* application(NSString* name) {
+    return [[[ApplicationInfo alloc] initWithAppName:name appId:@"i" bizArea:@"a" bizAreaId:@"b"] autorelease];
+}
+
+Authentication* user(NSString* token) {
+    return [[[Authentication alloc] initWithUserId:@"user-1" authenticationToken:token userLogOnTime:nil] autorelease];
+}
+
+UploadConfiguration* configuration() {
+    UploadConfiguration* made = [[[UploadConfiguration alloc] initWithSeconds:3600 eventsCount:1000000] autorelease];
+    made.uploadPath = @"http://127.0.0.1:1/upload";
+    return made;
+}
+
+TEST_F(ObjCTallyfoot, RecordsEveryFormOfAnEvent) {
+    start();
+    [Tallyfoot logEventWithType:@"purchase" attributes:@{@"pgName" : @"Basket"} customAttributes:@{@"sku" : @"A-1"}];
+    [Tallyfoot logEvent:EventTypeScreen attributes:@{@"pgName" : @"Basket"} customAttributes:nil];
+    [Tallyfoot logJSONEventWithType:@"purchase" attributes:@{} customJSONAttributes:nil];
+    [Tallyfoot logJSONEvent:EventTypeAction attributes:@{} customJSONAttributes:@"{\"a\":1}"];
+
+    const auto stored = records();
+    ASSERT_THAT(stored, SizeIs(4));
+    EXPECT_EQ(stored[0]["evtType"], "purchase");
+    EXPECT_EQ(stored[0]["pgName"], "Basket");
+    EXPECT_EQ(stored[0]["custom"], json::parse(R"([{"sku":"A-1"}])"));
+    EXPECT_EQ(stored[1]["evtType"], "screen");
+    EXPECT_FALSE(stored[1].contains("custom"));
+    EXPECT_EQ(stored[2]["evtType"], "purchase");
+    EXPECT_EQ(stored[3]["evtType"], "action");
+    EXPECT_EQ(stored[3]["custom"], json::parse(R"([{"a":1}])"));
+}
+
+TEST_F(ObjCTallyfoot, DropsAttributesThatAreNoTextsAndKeepsTheEvent) {
+    start();
+    [Tallyfoot logEvent:EventTypeAction
+              attributes:@{
+                  @"evtLabel" : (id) @7,
+                  @"pgName" : @"Basket",
+                  @"x" : @"y"
+              }
+        customAttributes:nil];
+    const auto stored = records();
+    ASSERT_THAT(stored, SizeIs(1));
+    EXPECT_FALSE(stored[0].contains("evtLabel"));
+    EXPECT_FALSE(stored[0].contains("x"));
+    EXPECT_EQ(stored[0]["pgName"], "Basket");
+}
+
+TEST_F(ObjCTallyfoot, DropsCustomDataThatJSONDoesNotKnowAndKeepsTheEvent) {
+    start();
+    [Tallyfoot logEventWithType:@"purchase" attributes:@{} customAttributes:@{@"at" : [NSDate date]}];
+    const auto stored = records();
+    ASSERT_THAT(stored, SizeIs(1));
+    EXPECT_FALSE(stored[0].contains("custom"));
+}
+
+TEST_F(ObjCTallyfoot, TakesWhatMayNotBeNilForEmpty) {
+    start();
+    NSString* noText = nil;
+    NSDictionary* none = nil;
+    [Tallyfoot logEventWithType:noText attributes:none customAttributes:nil];
+    [Tallyfoot logEvent:EventTypeAction attributes:none customAttributes:nil];
+    const auto stored = records();
+    ASSERT_THAT(stored, SizeIs(1));
+    EXPECT_EQ(stored[0]["evtType"], "");
+}
+
+TEST_F(ObjCTallyfoot, RaisesNothingWhenAnArgumentRaises) {
+    start();
+    NSDictionary* raising = [[[RaisingDictionary alloc] init] autorelease];
+    EXPECT_NO_FATAL_FAILURE([Tallyfoot logEvent:EventTypeAction attributes:raising customAttributes:nil]);
+    EXPECT_NO_FATAL_FAILURE([Tallyfoot categoryCustomTitles:raising]);
+    [Tallyfoot logEventWithType:@"purchase" attributes:@{} customAttributes:raising];
+    EXPECT_THAT(records(), SizeIs(1));
+}
+
+TEST_F(ObjCTallyfoot, LeavesErrnoAsItWas) {
+    start();
+    errno = EDOM;
+    [Tallyfoot logEvent:EventTypeAction attributes:@{@"pgName" : @"Basket"} customAttributes:@{@"a" : @1}];
+    EXPECT_EQ(errno, EDOM);
+}
+
+TEST_F(ObjCTallyfoot, IsFatalToLogANumberThatIsNoEventTypeWithoutAnEventTypeOfItsOwn) {
+    start();
+    const auto wrapped = static_cast<EventType>(4294967296 + 2);
+    [Tallyfoot logEvent:wrapped attributes:@{@"evtType" : @"own"} customAttributes:nil];
+    EXPECT_EQ(records().at(0)["evtType"], "own");
+    EXPECT_DEATH([Tallyfoot logEvent:wrapped attributes:@{@"pgName" : @"x"} customAttributes:nil], "");
+    EXPECT_DEATH([Tallyfoot logEvent:static_cast<EventType>(9) attributes:@{@"pgName" : @"x"} customAttributes:nil],
+                 "");
+}
+
+TEST_F(ObjCTallyfoot, IgnoresCategoriesByTheirCustomTitles) {
+    [Tallyfoot categoryCustomTitles:@{@"UIButton" : @"Btn", @"NoClass" : @"x", @"UISlider" : (id) @7}];
+    Tallyfoot.appInfo = application(@"Shop");
+    [Tallyfoot configure:configuration()
+                ignoreClasses:(NSArray*)@[ @"UIButton", @8, @"NoClass" ]
+        authenticationClosure:^{
+          return user(@"t");
+        }];
+    EXPECT_THAT(tallyfoot::Tallyfoot::shared().ignoreClasses(), ElementsAre("Btn"));
+    [Tallyfoot logEvent:EventTypeAction attributes:@{@"evtCategory" : @"Btn"} customAttributes:nil];
+    [Tallyfoot logEvent:EventTypeAction attributes:@{@"evtCategory" : @"UISlider"} customAttributes:nil];
+    EXPECT_THAT(records(), SizeIs(1));
+}
+
+TEST_F(ObjCTallyfoot, SharesItsSettingsWithTheLibrary) {
+    EXPECT_TRUE(Tallyfoot.isEnabled);
+    Tallyfoot.isEnabled = NO;
+    EXPECT_FALSE(tallyfoot::Tallyfoot::isEnabled());
+    Tallyfoot.consoleOutput = YES;
+    EXPECT_TRUE(Tallyfoot.showOutput);
+    Tallyfoot.showOutput = NO;
+    EXPECT_FALSE(Tallyfoot.consoleOutput);
+    EXPECT_FALSE(Tallyfoot.ignoreFileSizeThreshold);
+    Tallyfoot.ignoreFileSizeThreshold = YES;
+    EXPECT_TRUE(tallyfoot::Tallyfoot::ignoreFileSizeThreshold());
+    EXPECT_FALSE(Tallyfoot.isSwizzled);
+    Tallyfoot.isSwizzled = YES;
+    EXPECT_TRUE(tallyfoot::Tallyfoot::isSwizzled());
+    EXPECT_EQ(Tallyfoot.pageParent, nil);
+    Tallyfoot.pageParent = @"web";
+    EXPECT_TRUE([Tallyfoot.pageParent isEqual:@"web"]);
+    Tallyfoot.pageParent = nil;
+    EXPECT_EQ(tallyfoot::Tallyfoot::pageParent(), std::nullopt);
+}
+
+TEST_F(ObjCTallyfoot, HasOneSharedInstance) {
+    EXPECT_NE(Tallyfoot.shared, nil);
+    EXPECT_EQ(Tallyfoot.shared, Tallyfoot.shared);
+}
+
+TEST_F(ObjCTallyfoot, GivesBackTheObjectsThatWereSet) {
+    ApplicationInfo* shop = application(@"Shop");
+    Tallyfoot.appInfo = shop;
+    EXPECT_EQ(Tallyfoot.appInfo, shop);
+    Tallyfoot.appInfo = nil;
+    EXPECT_EQ(Tallyfoot.appInfo, nil);
+    Environment* environment = [[[Environment alloc] init] autorelease];
+    Tallyfoot.environment = environment;
+    EXPECT_EQ(Tallyfoot.environment, environment);
+}
+
+TEST_F(ObjCTallyfoot, SeesWhatTheLibraryWasGiven) {
+    tallyfoot::Tallyfoot::setAppInfo(std::make_shared<tallyfoot::ApplicationInfo>("Other", "i", "a", "b"));
+    EXPECT_TRUE([Tallyfoot.appInfo.appName isEqual:@"Other"]);
+    EXPECT_EQ(Tallyfoot.appInfo, Tallyfoot.appInfo);
+}
+
+TEST_F(ObjCTallyfoot, MakesADefaultEnvironmentWhereThereIsNone) {
+    Environment* made = Tallyfoot.environment;
+    EXPECT_TRUE([made.uploadPath isEqual:@"no such path"]);
+    EXPECT_EQ(Tallyfoot.environment, made);
+    made.uploadPath = @"changed";
+    EXPECT_EQ(tallyfoot::Tallyfoot::environment()->uploadPath(), "changed");
+    Tallyfoot.environment = nil;
+    EXPECT_TRUE([Tallyfoot.environment.uploadPath isEqual:@"no such path"]);
+}
+
+TEST_F(ObjCTallyfoot, TakesAnObjectOfAnotherClassForNone) {
+    Tallyfoot.appInfo = (ApplicationInfo*)@"Shop";
+    EXPECT_EQ(Tallyfoot.appInfo, nil);
+    [Tallyfoot configure:(UploadConfiguration*)@"x"
+                ignoreClasses:(NSArray*)@"y"
+        authenticationClosure:^{
+          return user(@"t");
+        }];
+    EXPECT_EQ(tallyfoot::Tallyfoot::shared().uploadConfiguration(),
+              tallyfoot::UploadConfiguration::defaultConfiguration());
+}
+
+TEST_F(ObjCTallyfoot, InstallsTheInterceptionsWhenItIsConfiguredOrItsEnvironmentIsSet) {
+    Tallyfoot.environment = [[[Environment alloc] init] autorelease];
+    EXPECT_TRUE(Tallyfoot.isSwizzled);
+}
+
+TEST_F(ObjCTallyfoot, KeepsTheClosureAndAllThatItCaptured) {
+    @autoreleasepool {
+        NSString* token = [NSString stringWithFormat:@"token-%d", 7];
+        [Tallyfoot configure:configuration()
+                    ignoreClasses:@[]
+            authenticationClosure:^{
+              return user(token);
+            }];
+    }
+    Tallyfoot.appInfo = application(@"Shop");
+    EXPECT_TRUE([Tallyfoot.shared.authenticationToken isEqual:@"token-7"]);
+}
+
+TEST_F(ObjCTallyfoot, AsksTheClosureAgainAfterItRaised) {
+    __block int asked = 0;
+    [Tallyfoot configure:configuration()
+                ignoreClasses:@[]
+        authenticationClosure:^Authentication* {
+          if (++asked == 1) [NSException raise:@"NotNow" format:@"no keychain"];
+          return user(@"second");
+        }];
+    Tallyfoot.appInfo = application(@"Shop");
+    Tallyfoot.appInfo = application(@"Shop");
+    EXPECT_EQ(asked, 2);
+    EXPECT_TRUE([Tallyfoot.shared.authenticationToken isEqual:@"second"]);
+}
+
+TEST_F(ObjCTallyfoot, IsFatalWithoutCredentials) {
+    EXPECT_DEATH((void)Tallyfoot.shared.authenticationToken, "authenticationToken needs");
+    [Tallyfoot configure:configuration()
+                ignoreClasses:@[]
+        authenticationClosure:^Authentication* {
+          return nil;
+        }];
+    EXPECT_DEATH(Tallyfoot.appInfo = application(@"Shop"), "");
+}
+
+TEST_F(ObjCTallyfoot, LogsFromThreadsThatFoundationDoesNotKnow) {
+    start();
+    std::async(std::launch::async, [] {
+        [Tallyfoot logEvent:EventTypeAction attributes:@{@"pgName" : @"Basket"} customAttributes:nil];
+    }).get();
+    EXPECT_THAT(records(), SizeIs(1));
+}
+
+} // namespace
