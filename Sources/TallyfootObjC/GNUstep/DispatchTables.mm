@@ -1,0 +1,46 @@
+// GCC's runtime copies a class's dispatch table from its superclass's when the class is first messaged,
+// and brings only the changed class's own up to date when an implementation is set or exchanged.
+
+#include "TallyfootObjC/Binding/DispatchTables.h"
+
+#include <cstdlib>
+#include <vector>
+
+// The runtime's own, for a class and all below it; exported, though no header says so.
+extern "C" void __objc_update_dispatch_table_for_class(Class aClass) __attribute__((weak));
+
+namespace tallyfoot::objc {
+
+namespace {
+
+bool has(Class aClass, Method method) {
+    unsigned count = 0;
+    Method* const methods = class_copyMethodList(aClass, &count);
+    bool isThere = false;
+    for (unsigned index = 0; index < count && !isThere; ++index) isThere = methods[index] == method;
+    std::free(methods);
+    return isThere;
+}
+
+std::vector<Class> allClasses() {
+    std::vector<Class> classes;
+    for (int count = objc_getClassList(nullptr, 0); static_cast<std::size_t>(count) > classes.size();) {
+        classes.resize(static_cast<std::size_t>(count));
+        count = objc_getClassList(classes.data(), count);
+        if (static_cast<std::size_t>(count) < classes.size()) classes.resize(static_cast<std::size_t>(count));
+    }
+    return classes;
+}
+
+} // namespace
+
+void updateDispatchTables(Method method) {
+    if (__objc_update_dispatch_table_for_class == nullptr) return;
+    for (Class aClass : allClasses())
+        if (class_getInstanceMethod(aClass, method_getName(method)) == method && has(aClass, method)) {
+            __objc_update_dispatch_table_for_class(aClass);
+            return;
+        }
+}
+
+} // namespace tallyfoot::objc

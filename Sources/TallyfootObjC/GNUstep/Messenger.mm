@@ -1,0 +1,9 @@
+#include "TallyfootObjC/Binding/Messenger.h"
+
+#include <objc/message.h>
+
+namespace tallyfoot::objc {
+
+IMP messenger(id object, SEL selector) { return objc_msg_lookup(object, selector); }
+
+} // namespace tallyfoot::objc
