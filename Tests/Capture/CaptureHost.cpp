@@ -66,8 +66,10 @@ constexpr std::array<std::pair<const char*, const char*>, 5> setters{
 } // namespace
 
 CaptureHost::CaptureHost()
-    : platform((addClasses(), addMethods(), CaptureBinding{runtime, runtime, *this})),
-      capture({runtime, runtime, *this}, facade), application(runtime.make("UIApplication")) {}
+    : platform((addClasses(), addMethods(), binding.references())), capture(binding.references(), facade),
+      application(runtime.make("UIApplication")) {
+    binding.connect(capture);
+}
 
 void CaptureHost::addClasses() {
     for (const auto& [name, superclass] : classes) runtime.addClass(name, superclass);
@@ -93,41 +95,6 @@ void CaptureHost::addMethods() {
         journal.push_back("addTarget " + target + runtime.sel_getName(std::get<SelectorRef>(call.arguments[1])));
         return Value();
     });
-}
-
-MethodBodies::Code CaptureHost::code(MethodBody body) {
-    auto& made = implementations_[body];
-    if (!made) made = runtime.implementation([this, body](const Invocation& call) { return run(body, call); });
-    return {made, "v@:"};
-}
-
-Value CaptureHost::run(MethodBody body, const Invocation& call) {
-    const auto forward = [&] { return runtime.send(call.self, selectorName(body), call.arguments); };
-    const auto argument = [&](std::size_t place) {
-        return place < call.arguments.size() ? call.object(place) : ObjectRef{};
-    };
-    switch (body) {
-    case MethodBody::customName: return capture.customName(call.self);
-    case MethodBody::setCustomName:
-        capture.setCustomName(call.self, std::get<std::string>(call.arguments[0]));
-        return {};
-    case MethodBody::logEnabled: return capture.logEnabled(call.self);
-    case MethodBody::setLogEnabled: capture.setLogEnabled(call.self, std::get<bool>(call.arguments[0])); return {};
-    case MethodBody::initWithTarget:
-        return capture.swizzle_initWithTarget([&] { return std::get<ObjectRef>(forward()); });
-    case MethodBody::gestureAction: capture.swizzleGestureAction(call.self); return {};
-    case MethodBody::sendAction:
-        return capture.swizzledSendAction(std::get<SelectorRef>(call.arguments[0]), call.object(2),
-                                          [&] { return std::get<bool>(forward()); });
-    case MethodBody::viewWillAppear: capture.swizzledViewWillAppear(call.self); return {};
-    case MethodBody::viewWillDisappear: capture.swizzledViewWillDisappear(call.self); return {};
-    default: break;
-    }
-    if (body < MethodBody::tableViewSelection)
-        capture.swizzledSetter(body, call.self, argument(0));
-    else
-        capture.swizzledCallback(body, call.self, argument(0), argument(1));
-    return {};
 }
 
 ObjectRef CaptureHost::make(const char* className, std::map<std::string, Value> answers) {

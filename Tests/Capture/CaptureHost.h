@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Support/ManualClock.h"
+#include "Support/MemoryBinding.h"
 #include "Support/MemoryRuntime.h"
 #include "Support/RecordingConsole.h"
 
@@ -48,7 +49,7 @@ public:
 
 // A platform with UIKit's classes, as far as capture knows them, a binding whose method bodies call the
 // capture, and a facade that keeps the events. `journal` tells what the platform's own methods did.
-class CaptureHost : private MethodBodies {
+class CaptureHost {
 public:
     CaptureHost();
 
@@ -70,6 +71,7 @@ public:
     }
 
     MemoryRuntime runtime;
+    MemoryBinding binding{runtime};
     RecordingFacade facade;
     std::vector<std::string> journal;
     const CapturePlatform platform;
@@ -78,12 +80,8 @@ public:
     std::vector<RecordedEvent>& events = facade.events;
 
 private:
-    Code code(MethodBody body) override;
-    MemoryRuntime::Value run(MethodBody body, const MemoryRuntime::Invocation& call);
     void addClasses();
     void addMethods();
-
-    std::map<MethodBody, ImplementationRef> implementations_;
 };
 
 } // namespace tallyfoot::testing

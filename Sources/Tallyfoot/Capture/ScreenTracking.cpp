@@ -30,9 +30,9 @@ void ScreenTracking::willAppear(const PlatformObject& controller) {
         const auto [place, isNew] = screens.active.try_emplace(controller.reference().pointer, Screen{now, 0, {}});
         place->second.appearance = ++screens.appearances;
         place->second.title = title;
+        screens.currentTitle = title;
         if (isNew) started = screens.active.size();
     });
-    currentTitle_.exchange(title);
     if (started > 0) printSize(started);
 }
 
@@ -57,7 +57,6 @@ std::optional<double> ScreenTracking::takeElapsed(void* identity) {
     const auto now = facade_.clock().now();
     std::optional<double> elapsed;
     std::size_t left = 0;
-    std::string title;
     screens_.modify([&](Screens& screens) {
         const auto place = screens.active.find(identity);
         if (place == screens.active.end()) return;
@@ -68,10 +67,9 @@ std::optional<double> ScreenTracking::takeElapsed(void* identity) {
             std::max_element(screens.active.begin(), screens.active.end(), [](const auto& one, const auto& other) {
                 return one.second.appearance < other.second.appearance;
             });
-        if (last != screens.active.end()) title = last->second.title;
+        screens.currentTitle = last == screens.active.end() ? std::string() : last->second.title;
     });
     if (!elapsed) return std::nullopt;
-    currentTitle_.exchange(std::move(title));
     printSize(left);
     return elapsed;
 }

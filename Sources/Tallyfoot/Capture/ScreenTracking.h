@@ -22,7 +22,9 @@ public:
     void willDisappear(const PlatformObject& controller);
 
     // The title, as it was then, of the screen that appeared last of those still shown; "" where none is.
-    std::string currentScreenTitle() const { return currentTitle_.copy(); }
+    std::string currentScreenTitle() const {
+        return screens_.read([](const Screens& screens) { return screens.currentTitle; });
+    }
 
 private:
     struct Screen {
@@ -34,6 +36,7 @@ private:
     struct Screens {
         std::unordered_map<void*, Screen> active; // by identity, which nobody looks behind
         std::uint64_t appearances = 0;
+        std::string currentTitle;
     };
 
     static bool isTrackedScreen(const PlatformObject& controller);
@@ -42,7 +45,6 @@ private:
 
     CaptureFacade& facade_;
     Exclusive<Screens> screens_;
-    Exclusive<std::string> currentTitle_;
 };
 
 } // namespace tallyfoot
