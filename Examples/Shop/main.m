@@ -1,3 +1,4 @@
+#import "Finger.h"
 #import "ShopApp.h"
 #import "ShopUser.h"
 #import "Visitor.h"
@@ -73,6 +74,7 @@ int main(void) {
     ShopUser* user = [[ShopUser alloc] initWithWindow:app.window
                                                ledger:ledger
                                                  seed:(uint64_t)[option(@"--seed", @"1") longLongValue]];
+    NSTimeInterval start = [Finger now];
     [ledger tell:@{@"done" : @"start"}];
 
     char* line = NULL;
@@ -85,7 +87,7 @@ int main(void) {
         }
     }
     free(line);
-    [ledger tellKinds];
+    [ledger tellKindsAfter:[Finger now] - start];
     [user release];
     [app release];
     [visitor release];

@@ -1,7 +1,5 @@
 #include "CommandLine/DemoAccount.h"
 
-#include "CommandLine/DemoLedger.h"
-
 #include <nlohmann/json.hpp>
 
 namespace tallyfoot::commandline {
@@ -34,7 +32,7 @@ DemoAccount::DemoAccount(const DemoEvidence& evidence, const json& events, const
         error("wire format: " + problem.at("kind").get<std::string>() + ": " + problem.at("detail").get<std::string>());
     }
     for (const auto& complaint : evidence.disk.complaints) error("on disk: " + complaint);
-    readEvents(events);
+    readEvents(evidence, events);
     checkUsers(evidence, uploads);
     countDisk(evidence, uploads);
     findMissing(evidence);
@@ -49,12 +47,12 @@ void DemoAccount::error(const std::string& text) {
     if (errors_.size() < shownErrors) errors_.push_back(text);
 }
 
-void DemoAccount::readEvents(const json& events) {
+void DemoAccount::readEvents(const DemoEvidence& evidence, const json& events) {
     for (const auto& item : events) {
-        const auto number = DemoLedger::number(item.at("evtId").get<std::string>());
+        const auto number = evidence.number(item.at("evtId").get<std::string>());
         if (number < 1 || number > logged_) {
             error("an event arrived that nobody logged: " + item.at("evtId").get<std::string>());
-        } else if (item.at("record").value("evtLabel", std::string()) != DemoLedger::label(number)) {
+        } else if (item.at("record").value("evtLabel", std::string()) != evidence.label(number)) {
             error(event(number) + " arrived with another label");
         } else if (item.at("accepted").get<bool>()) {
             accepted_[number].push_back(item.at("upload").get<std::int64_t>());

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "CommandLine/DemoDisk.h"
+#include "CommandLine/DemoLedger.h"
 
 #include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tallyfoot::commandline {
@@ -18,6 +21,9 @@ struct DemoEvidence {
     std::optional<std::int64_t> begunAtUserChange; // told by the host when it named another user
     std::string userAfterChange;
     DemoDisk disk;
+    // How its events are known from each other, and what their labels are.
+    std::function<std::int64_t(std::string_view)> number = DemoLedger::number; // 0 for one that is none of its own
+    std::function<std::string(std::int64_t)> label = DemoLedger::label;
 };
 
 // The books: what was logged must be what the server confirmed, what is still on disk and what the
@@ -39,7 +45,7 @@ public:
     const std::vector<std::string>& duplicates() const { return duplicates_; }
 
 private:
-    void readEvents(const nlohmann::json& events);
+    void readEvents(const DemoEvidence& evidence, const nlohmann::json& events);
     void checkUsers(const DemoEvidence& evidence, const nlohmann::json& uploads);
     void countDisk(const DemoEvidence& evidence, const nlohmann::json& uploads);
     void findMissing(const DemoEvidence& evidence);

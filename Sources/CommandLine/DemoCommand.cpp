@@ -12,6 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* shopName = "tallyfoot-shop";
+
 DemoOptions quickOptions() {
     DemoOptions options;
     options.events = 400;
@@ -47,6 +49,26 @@ void printTable(const DemoAccount& account) {
     row("logged", account.logged(), account.isBalanced() ? "the same" : "NOT THE SAME");
 }
 
+void printKind(const std::string& kind, const std::vector<std::string>& cells, const std::string& remark = {}) {
+    std::cout << "  " << std::left << std::setw(36) << kind << std::right;
+    for (const auto& cell : cells) std::cout << std::setw(11) << cell;
+    std::cout << (remark.empty() ? "" : "   ") << remark << '\n';
+}
+
+std::vector<std::string> cells(const DemoKinds::Row& row) {
+    std::vector<std::string> cells;
+    for (const auto count : {row.performed, row.due, row.recorded, row.confirmed, row.onDisk, row.discarded})
+        cells.push_back(std::to_string(count));
+    return cells;
+}
+
+void printKinds(const DemoKinds& kinds, double seconds) {
+    std::cout << "\nWhat the user did in " << static_cast<int>(seconds / 60) << " minutes of the app's time, "
+              << "and the records of it\n";
+    printKind("", {"performed", "due", "recorded", "confirmed", "on disk", "discarded"});
+    for (const auto& row : kinds.rows()) printKind(row.kind, cells(row), row.isBalanced() ? "" : "NOT THE SAME");
+}
+
 std::vector<std::string> fileLines(const DemoDisk& disk) {
     std::vector<std::string> lines;
     for (const auto& file : disk.files) {
@@ -65,7 +87,12 @@ DemoCommand::DemoCommand(CLI::App& app, int& status) {
         ->check(CLI::Range(1500, 1000000)) // with fewer, a step would bring about no upload
         ->excludes(quick)
         ->capture_default_str();
+    auto* plain = command->add_flag("--plain", isPlain_, "A host that logs itself, from several threads, for the shop");
+    command->add_option("--seed", options_.seed, "What the user's walk through the shop is drawn from")
+        ->excludes(plain)
+        ->capture_default_str();
     command->add_option("--threads", options_.threads, "Threads that log")
+        ->needs(plain)
         ->check(CLI::Range(1, 64))
         ->capture_default_str();
     command->add_flag("--keep", keepsFolder_, "Keep the folder with everything that host and collector wrote");
@@ -74,13 +101,13 @@ DemoCommand::DemoCommand(CLI::App& app, int& status) {
 }
 
 int DemoCommand::run() const {
-    auto options = isQuick_ ? quickOptions() : options_;
-    options.threads = options_.threads;
+    const auto tool = fs::read_symlink("/proc/self/exe");
+    const auto options = chosenOptions(tool);
     const auto folder = madeFolder();
     int status = 1;
     {
         DemoProgress progress;
-        DemoSession session(options, fs::read_symlink("/proc/self/exe").string(), folder, progress);
+        DemoSession session(options, tool.string(), folder, progress);
         bool wasPlayed = true;
         try {
             session.play();
@@ -99,14 +126,31 @@ int DemoCommand::run() const {
     return status;
 }
 
+DemoOptions DemoCommand::chosenOptions(const fs::path& tool) const {
+    auto options = isQuick_ ? quickOptions() : options_;
+    options.threads = options_.threads;
+    options.seed = options_.seed;
+    const auto shop = tool.parent_path() / shopName;
+    if (!isPlain_ && fs::exists(shop)) {
+        options.shop = shop.string();
+    } else if (!isPlain_) {
+        std::cout << "There is no " << shopName << " beside this program, so a plain host plays its part.\n";
+    }
+    return options;
+}
+
 int DemoCommand::settle(DemoSession& session, bool wasPlayed) const {
     const auto account = session.account();
+    const auto kinds = session.kinds();
+    if (kinds) printKinds(*kinds, session.secondsWalked());
     printTable(account);
     list("Came twice", account.duplicates());
     list("Files left", fileLines(session.disk()));
-    list("Errors", account.errors());
+    auto errors = account.errors();
+    if (kinds) errors.insert(errors.end(), kinds->errors().begin(), kinds->errors().end());
+    list("Errors", errors);
     std::cout << std::flush;
-    return wasPlayed && account.isBalanced() && account.errors().empty() ? 0 : 1;
+    return wasPlayed && account.isBalanced() && errors.empty() ? 0 : 1;
 }
 
 } // namespace tallyfoot::commandline

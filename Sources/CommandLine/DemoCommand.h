@@ -16,11 +16,13 @@ public:
 
 private:
     int run() const;
+    DemoOptions chosenOptions(const std::filesystem::path& tool) const;
     int settle(DemoSession& session, bool wasPlayed) const;
 
     DemoOptions options_;
     bool isQuick_ = false;
     bool keepsFolder_ = false;
+    bool isPlain_ = false;
 };
 
 } // namespace tallyfoot::commandline

@@ -1,6 +1,5 @@
 #include "CommandLine/DemoDisk.h"
 
-#include "CommandLine/DemoLedger.h"
 #include "CommandLine/RecordWalk.h"
 
 #include <nlohmann/json.hpp>
@@ -17,7 +16,8 @@ std::string text(const nlohmann::json& record, const char* name) {
 
 class DiskReading {
 public:
-    explicit DiskReading(const fs::path& folder) : folder_(folder) {}
+    DiskReading(const fs::path& folder, const std::function<std::int64_t(std::string_view)>& number)
+        : folder_(folder), number_(number) {}
 
     DemoDisk take() {
         std::error_code failure;
@@ -37,7 +37,7 @@ private:
         visitor.record = [&](const std::string&, std::string_view record) {
             ++file.records;
             const auto parsed = nlohmann::json::parse(record, nullptr, false);
-            ++disk_.events[DemoLedger::number(text(parsed, "evtId"))];
+            ++disk_.events[number_(text(parsed, "evtId"))];
         };
         visitor.fragment = [&](const std::string& log, const collector::LogPiece& piece) {
             disk_.complaints.push_back(log + ": " + std::to_string(piece.text.size()) + " bytes are no whole record");
@@ -53,11 +53,14 @@ private:
     }
 
     const fs::path& folder_;
+    const std::function<std::int64_t(std::string_view)>& number_;
     DemoDisk disk_;
 };
 
 } // namespace
 
-DemoDisk DemoDisk::read(const fs::path& folder) { return DiskReading(folder).take(); }
+DemoDisk DemoDisk::read(const fs::path& folder, const std::function<std::int64_t(std::string_view)>& number) {
+    return DiskReading(folder, number).take();
+}
 
 } // namespace tallyfoot::commandline

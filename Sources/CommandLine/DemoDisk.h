@@ -1,9 +1,13 @@
 #pragma once
 
+#include "CommandLine/DemoLedger.h"
+
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tallyfoot::commandline {
@@ -25,7 +29,9 @@ struct DemoDisk {
     bool hasArchives = false;
 
     // A folder in which nobody moves files; otherwise a file may be seen twice or not at all.
-    static DemoDisk read(const std::filesystem::path& folder);
+    // `number` tells an event by its evtId.
+    static DemoDisk read(const std::filesystem::path& folder,
+                         const std::function<std::int64_t(std::string_view)>& number = DemoLedger::number);
 };
 
 } // namespace tallyfoot::commandline

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <stdexcept>
+#include <vector>
 
 namespace tallyfoot::commandline {
 
@@ -16,6 +17,7 @@ constexpr std::int64_t loggedWhileAsked = 9;
 constexpr const char* firstApplication = "Demo Shop";
 constexpr const char* secondApplication = "Demo Outlet";
 constexpr const char* secondUser = "user-2";
+constexpr const char* hostOutput = "host-output.txt";
 
 // The host's application bundle. Its facts go into every upload.
 constexpr const char* bundleInformation = R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -56,12 +58,13 @@ ChildProcess DemoSession::startHost(const std::string& tool) const {
     std::filesystem::create_directories(folder_ / "bundle");
     std::ofstream(folder_ / "bundle/Info.plist") << bundleInformation;
     const auto url = "http://127.0.0.1:" + std::to_string(client_.port()) + "/upload";
-    return started(ChildProcess::start({tool, "demo-host", "--url", url, "--threads", std::to_string(options_.threads),
-                                        "--events-count", std::to_string(options_.eventsCount), "--application",
-                                        firstApplication, "--output", (folder_ / "host-output.txt").string()},
-                                       {{"XDG_DATA_HOME", (folder_ / "data").string()},
-                                        {"XDG_CONFIG_HOME", (folder_ / "config").string()},
-                                        {"TALLYFOOT_MAIN_BUNDLE", (folder_ / "bundle").string()}}));
+    std::vector<std::string> arguments{tool, "demo-host", "--threads", std::to_string(options_.threads)};
+    if (isShop()) arguments = {options_.shop, "--seed", std::to_string(options_.seed)};
+    arguments.insert(arguments.end(), {"--url", url, "--events-count", std::to_string(options_.eventsCount),
+                                       "--application", firstApplication, "--output", (folder_ / hostOutput).string()});
+    return started(ChildProcess::start(arguments, {{"XDG_DATA_HOME", (folder_ / "data").string()},
+                                                   {"XDG_CONFIG_HOME", (folder_ / "config").string()},
+                                                   {"TALLYFOOT_MAIN_BUNDLE", (folder_ / "bundle").string()}}));
 }
 
 void DemoSession::play() {
@@ -77,13 +80,17 @@ void DemoSession::play() {
     failOnce("The server takes an upload, but its answer is lost", {{"kind", "dropReply"}, {"times", 20}});
     logFromSeveralThreads(share);
     changeUser();
-    changeApplication(share);
+    if (isShop()) {
+        logFromSeveralThreads(share);
+    } else {
+        changeApplication(share);
+    }
     leaveSome();
     endHost();
 }
 
 void DemoSession::logFromSeveralThreads(std::int64_t count) {
-    progress_.step(std::to_string(options_.threads) + " threads log " + std::to_string(count) + " events");
+    progress_.step(walk(count));
     orderLog(count, {{"pauseMicroseconds", options_.pauseMicroseconds}});
     waitUntil("all uploads are confirmed", [this] { return isSettled(); });
 }
@@ -143,8 +150,31 @@ DemoAccount DemoSession::account() {
     const auto events = ask("/v1/events").at("events");
     const auto uploads = ask("/v1/uploads").at("uploads");
     const auto problems = ask("/v1/problems").at("problems");
-    disk_ = DemoDisk::read(folder_ / "data");
-    return {{logged_, begunAtUserChange_, secondUser, disk_}, events, uploads, problems};
+    return {evidence(), events, uploads, problems};
+}
+
+// The shop's records are known by what the library showed of them, in their order.
+DemoEvidence DemoSession::evidence() {
+    DemoEvidence evidence{logged_, begunAtUserChange_, secondUser, {}};
+    if (isShop()) {
+        trace_ = DemoTrace::read(folder_ / hostOutput);
+        evidence.number = [this](std::string_view identifier) { return trace_.number(identifier); };
+        evidence.label = [this](std::int64_t number) { return trace_.facts(number).label; };
+    }
+    disk_ = DemoDisk::read(folder_ / "data", evidence.number);
+    evidence.disk = disk_;
+    return evidence;
+}
+
+std::optional<DemoKinds> DemoSession::kinds() {
+    if (!kinds_.is_array()) return std::nullopt;
+    return DemoKinds(kinds_, trace_, evidence(), ask("/v1/events").at("events"));
+}
+
+std::string DemoSession::walk(std::int64_t count) const {
+    const auto number = std::to_string(count);
+    if (isShop()) return "A user walks through the shop, which must give " + number + " events";
+    return std::to_string(options_.threads) + " threads log " + number + " events";
 }
 
 void DemoSession::orderLog(std::int64_t count, const json& more) {
@@ -193,6 +223,8 @@ void DemoSession::listenToHost() {
         if (told.contains("logged")) logged_ = told.at("logged").get<std::int64_t>();
         if (told.contains("done")) isHostBusy_ = false;
         if (told.contains("asked")) isHostAsked_ = true;
+        if (told.contains("kinds")) kinds_ = told.at("kinds");
+        if (told.contains("seconds")) secondsWalked_ = told.at("seconds").get<double>();
         if (told.contains("userChanged")) begunAtUserChange_ = told.at("userChanged").get<std::int64_t>();
     }
 }

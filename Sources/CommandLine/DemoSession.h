@@ -4,7 +4,9 @@
 #include "CommandLine/CollectorClient.h"
 #include "CommandLine/DemoAccount.h"
 #include "CommandLine/DemoDisk.h"
+#include "CommandLine/DemoKinds.h"
 #include "CommandLine/DemoProgress.h"
+#include "CommandLine/DemoTrace.h"
 
 #include <nlohmann/json.hpp>
 
@@ -21,6 +23,8 @@ struct DemoOptions {
     int threads = 4;
     int eventsCount = 150;                 // more than this many trigger an upload
     std::int64_t pauseMicroseconds = 3000; // of each thread, after each event
+    std::string shop;                      // the program of the shop app; without it, a host that logs itself
+    std::uint64_t seed = 1;                // of the walk through the shop
 };
 
 // Plays a session: a collector and a host, each a process of its own, the second one led through good
@@ -36,12 +40,19 @@ public:
     // Asks the collector and looks at the disk. To be called when the session is over, well or not.
     DemoAccount account();
 
+    // After that: how the walk through the shop went. Nothing where there was none, or it told nothing.
+    std::optional<DemoKinds> kinds();
+    double secondsWalked() const { return secondsWalked_; } // of the app's own time
+
     const DemoDisk& disk() const { return disk_; }
 
 private:
     static ChildProcess startCollector(const std::string& tool, const std::filesystem::path& folder);
     static int port(ChildProcess& collector);
     ChildProcess startHost(const std::string& tool) const;
+    bool isShop() const { return !options_.shop.empty(); }
+    std::string walk(std::int64_t count) const;
+    DemoEvidence evidence();
 
     void logFromSeveralThreads(std::int64_t count);
     void failOnce(const std::string& what, const nlohmann::json& fault);
@@ -74,6 +85,9 @@ private:
     std::int64_t uploads_ = 0; // told by the collector
     std::int64_t confirmed_ = 0;
     DemoDisk disk_;
+    DemoTrace trace_;
+    nlohmann::json kinds_; // told by the shop at its end
+    double secondsWalked_ = 0;
 };
 
 } // namespace tallyfoot::commandline

@@ -60,5 +60,6 @@ typedef NS_ENUM(NSInteger, Kind) {
 - (void)tell:(NSDictionary*)line;
 // {"kinds": […]}, each with its name, how often it was performed, and either the records due by label with
 // their type, category and action, or what no record may look like.
-- (void)tellKinds;
+// "seconds" is how long it took, on the clock of the touches.
+- (void)tellKindsAfter:(NSTimeInterval)seconds;
 @end

@@ -115,9 +115,9 @@ static const KindFacts rows[KindCount] = {
     return told;
 }
 
-- (void)tellKinds {
+- (void)tellKindsAfter:(NSTimeInterval)seconds {
     NSMutableArray* kinds = [NSMutableArray array];
     for (Kind kind = 0; kind < KindCount; ++kind) [kinds addObject:[self _kind:kind]];
-    [self tell:@{@"kinds" : kinds}];
+    [self tell:@{@"kinds" : kinds, @"seconds" : [NSNumber numberWithDouble:seconds]}];
 }
 @end
