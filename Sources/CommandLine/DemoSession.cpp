@@ -167,6 +167,11 @@ DemoEvidence DemoSession::evidence() {
 }
 
 std::optional<DemoKinds> DemoSession::kinds() {
+    if (isShop() && !kinds_.is_array()) { // a session that broke off
+        host_.closeInput();
+        host_.wait(patience);
+        listenToHost();
+    }
     if (!kinds_.is_array()) return std::nullopt;
     return DemoKinds(kinds_, trace_, evidence(), ask("/v1/events").at("events"));
 }

@@ -16,7 +16,7 @@ std::string text(const ToolRun& run) {
 
 TEST(Demo, AccountsForEveryEventOfAQuickSession) {
     TemporaryFolder folder; // where the demo keeps its files
-    const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --quick");
+    const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --quick --plain");
     EXPECT_EQ(run.status, 0) << text(run);
     EXPECT_NE(text(run).find("the same\n"), std::string::npos) << text(run);
     EXPECT_EQ(run.complaints, "");
@@ -25,7 +25,8 @@ TEST(Demo, AccountsForEveryEventOfAQuickSession) {
 
 TEST(Demo, KeepsItsFilesWhenAskedTo) {
     TemporaryFolder folder;
-    const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --quick --keep --threads 1");
+    const auto run =
+        runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --quick --keep --plain --threads 1");
     EXPECT_EQ(run.status, 0) << text(run);
     ASSERT_FALSE(std::filesystem::is_empty(folder.path()));
     const auto kept = std::filesystem::directory_iterator(folder.path())->path();
@@ -36,7 +37,8 @@ TEST(Demo, KeepsItsFilesWhenAskedTo) {
 
 TEST(Demo, AccountsForEveryEventOfTheShortestSession) {
     TemporaryFolder folder;
-    const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --events 1500 --threads 16");
+    const auto run =
+        runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --events 1500 --plain --threads 16");
     EXPECT_EQ(run.status, 0) << text(run);
     EXPECT_EQ(runTool({"demo", "--events", "1499"}).status, 2);
 }
@@ -52,6 +54,26 @@ TEST(Demo, FailsWithAMessageWhereItCannotWork) {
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.complaints, "");
 }
+
+#ifdef TALLYFOOT_HAS_SHOP
+// The walk through the shop, whose every kind of interaction must come out at what it must give.
+class DemoShop : public ::testing::TestWithParam<int> {};
+
+TEST_P(DemoShop, AccountsForEveryInteractionKindByKind) {
+    TemporaryFolder folder;
+    const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --quick --seed "
+                              + std::to_string(GetParam()));
+    EXPECT_EQ(run.status, 0) << text(run);
+    EXPECT_NE(text(run).find("swipe actions"), std::string::npos) << text(run);
+    EXPECT_EQ(text(run).find("NOT THE SAME"), std::string::npos) << text(run);
+    EXPECT_EQ(run.complaints, "");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, DemoShop, ::testing::Values(1, 2, 3));
+
+TEST(Demo, TakesThreadsForThePlainHostOnly) { EXPECT_EQ(runTool({"demo", "--threads", "2"}).status, 2); }
+#endif
 
 } // namespace
 } // namespace tallyfoot::testing

@@ -87,6 +87,7 @@ static const NSTimeInterval flingTime = 0.4;
     switch (recognizer.state) {
     case UIGestureRecognizerStateBegan:
         _dragging = YES;
+        _hasRefreshed = NO;
         _offsetAtDrag = _boundsOrigin;
         if ([_delegate respondsToSelector:@selector(scrollViewWillBeginDragging:)]) {
             [_delegate scrollViewWillBeginDragging:self];
@@ -104,7 +105,9 @@ static const NSTimeInterval flingTime = 0.4;
 }
 
 - (void)_refreshWhenPulled {
-    if (!_refreshControl || [_refreshControl isRefreshing] || _boundsOrigin.y > -refreshDistance) return;
+    if (!_refreshControl || _hasRefreshed || [_refreshControl isRefreshing]) return;
+    if (_boundsOrigin.y > -refreshDistance) return;
+    _hasRefreshed = YES;
     [_refreshControl beginRefreshing];
     [_refreshControl sendActionsForControlEvents:UIControlEventValueChanged | UIControlEventPrimaryActionTriggered];
 }

@@ -73,6 +73,19 @@ TEST_F(Scrolling, PullingATableDownRefreshesIt) {
     EXPECT_EQ(table.contentOffset.y, 0);
 }
 
+TEST_F(Scrolling, OnePullRefreshesOnceHoweverSoonItIsDone) {
+    show(3);
+    table.refreshControl = [[[UIRefreshControl alloc] init] autorelease];
+    [table.refreshControl addTarget:table.refreshControl
+                             action:@selector(endRefreshing)
+                   forControlEvents:UIControlEventValueChanged];
+    [table.refreshControl addTarget:probe action:@selector(bareAction) forControlEvents:UIControlEventValueChanged];
+    [Finger drag:table by:CGSizeMake(0, 120)];
+    EXPECT_EQ(heardBy(probe), "bare action, lifted moving, at rest");
+    [Finger drag:table by:CGSizeMake(0, 120)];
+    EXPECT_EQ(heardBy(probe), "bare action, lifted moving, at rest");
+}
+
 TEST_F(Scrolling, AnAccessoryButtonTellsTheDelegateAndSelectsNothing) {
     show(3);
     UITableViewCell* cell = [table cellForRowAtIndexPath:[NSIndexPath indexPathForRow:2 inSection:0]];

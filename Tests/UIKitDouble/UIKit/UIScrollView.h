@@ -24,6 +24,7 @@
     CGPoint _offsetAtDrag;
     BOOL _alwaysBounceVertical;
     BOOL _dragging, _decelerating;
+    BOOL _hasRefreshed; // during this drag
 }
 @property(nonatomic, assign) id<UIScrollViewDelegate> delegate;
 @property(nonatomic) CGPoint contentOffset;
