@@ -124,6 +124,15 @@ TEST_F(DelegateHooksTest, SoItIsThroughThreeClassesWithAnInheritingOneBetween) {
     EXPECT_THAT(host_.events, SizeIs(1));
 }
 
+TEST_F(DelegateHooksTest, AnInheritedHandlingThatCallsItsSuperclassRunsOnce) {
+    host_.addClass("BelowOverriding", "Overriding");
+    setDelegate("BelowOverriding");
+    setDelegate("Handling");
+    select(setDelegate("BelowOverriding"));
+    EXPECT_THAT(host_.journal, ElementsAre("Overriding", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
 TEST_F(DelegateHooksTest, ACallToASuperclassThatHadNoHandlingEnds) {
     setDelegate("Plain");
     host_.addClass("BelowPlain", "Plain");
