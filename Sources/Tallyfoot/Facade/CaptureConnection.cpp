@@ -2,37 +2,39 @@
 
 #include "Tallyfoot/Facade/TallyfootImplementation.h"
 
+#include <atomic>
+
 namespace tallyfoot {
 
 namespace {
 
+// The facade as capture knows it; made on its first use, when something is to be recorded.
 class ConnectedFacade final : public CaptureFacade {
 public:
-    explicit ConnectedFacade(Tallyfoot::Implementation& facade) : facade_(facade) {}
-
-    void log(EventType type, Attributes& attributes) override { facade_.pipeline.log(type, attributes, std::nullopt); }
+    void log(EventType type, Attributes& attributes) override { facade().pipeline.log(type, attributes, std::nullopt); }
     std::string category(ITFClass itfClass) const override {
-        return facade_.categoryCustomTitles.read(
+        return facade().categoryCustomTitles.read(
             [&](const CategoryTitles& titles) { return tallyfoot::category(itfClass, titles); });
     }
     bool isIgnored(std::string_view category) const override {
-        return facade_.pipeline.context()->ignoreClasses.contains(category);
+        return facade().pipeline.context()->ignoreClasses.contains(category);
     }
-    const DebugConsole& console() const override { return console_; }
+    const DebugConsole& console() const override {
+        static const auto& console =
+            *new DebugConsole(*defaultPlatformServices().console, processSettings().showOutput);
+        return console;
+    }
     const Clock& clock() const override { return *defaultPlatformServices().clock; }
 
 private:
-    Tallyfoot::Implementation& facade_;
-    const DebugConsole console_{*defaultPlatformServices().console, processSettings().showOutput};
+    static Tallyfoot::Implementation& facade() { return Tallyfoot::Implementation::shared(); }
 };
 
+constinit std::atomic<Capture*> connected = nullptr;
+
 Capture& connect(const CaptureBinding& binding) {
-    auto& facade = Tallyfoot::Implementation::shared();
-    auto* const capture = new Capture(binding, *new ConnectedFacade(facade));
-    facade.changeSeams([capture](Seams& seams) {
-        seams.installInterceptions = [capture] { capture->configureSwizzle(); };
-        seams.currentScreenTitle = [capture] { return capture->currentScreenTitle(); };
-    });
+    auto* const capture = new Capture(binding, *new ConnectedFacade);
+    connected = capture;
     return *capture;
 }
 
@@ -41,6 +43,18 @@ Capture& connect(const CaptureBinding& binding) {
 Capture& connectCapture(const CaptureBinding& binding) {
     static Capture& capture = connect(binding); // never released: a host's objects live until the process ends
     return capture;
+}
+
+Seams captureSeams() {
+    Seams seams;
+    seams.installInterceptions = [] {
+        if (auto* const capture = connected.load()) capture->configureSwizzle();
+    };
+    seams.currentScreenTitle = [] {
+        const auto* const capture = connected.load();
+        return capture ? capture->currentScreenTitle() : std::string();
+    };
+    return seams;
 }
 
 } // namespace tallyfoot

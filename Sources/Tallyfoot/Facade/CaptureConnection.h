@@ -2,13 +2,18 @@
 
 #include "Tallyfoot/Capture/Capture.h"
 #include "Tallyfoot/Export.h"
+#include "Tallyfoot/Facade/Seams.h"
 
 namespace tallyfoot {
 
 // For the binding of a platform: gives the facade its capture, so that `configureSwizzle` installs it
 // and events carry the current screen's title. The binding calls this once, before the first configure,
-// then `prepare` as soon as the platform's classes are there. A host without a binding captures nothing.
-// Never released. Calling it again gives the same capture.
+// then `prepare` as soon as the platform's classes are there. Neither touches the facade, so that both may
+// happen while the process's libraries are loaded. A host without a binding captures nothing. Never
+// released. Calling it again gives the same capture.
 TALLYFOOT_EXPORT Capture& connectCapture(const CaptureBinding& binding);
+
+// The facade's seams to the capture that is connected by the time they are used, if any is.
+Seams captureSeams();
 
 } // namespace tallyfoot

@@ -1,17 +1,14 @@
 #include "Tallyfoot/Facade/TallyfootImplementation.h"
 
+#include "Tallyfoot/Facade/CaptureConnection.h"
 #include "Tallyfoot/Recording/EventRecorder.h"
 
 #include <utility>
 
 namespace tallyfoot {
 
-Tallyfoot::Implementation::Implementation() : pipeline(defaultPlatformServices(), processSettings()) {}
-
-void Tallyfoot::Implementation::changeSeams(FunctionRef<void(Seams&)> change) {
-    auto seams = seams_.copy();
-    change(seams);
-    setSeams(std::move(seams));
+Tallyfoot::Implementation::Implementation() : pipeline(defaultPlatformServices(), processSettings()) {
+    setSeams(captureSeams());
 }
 
 void Tallyfoot::Implementation::setSeams(Seams seams) {

@@ -4,7 +4,6 @@
 #include "Tallyfoot/Facade/Seams.h"
 #include "Tallyfoot/Facade/Tallyfoot.h"
 #include "Tallyfoot/Platform/Exclusive.h"
-#include "Tallyfoot/Platform/FunctionRef.h"
 
 #include <atomic>
 #include <memory>
@@ -22,8 +21,7 @@ struct TALLYFOOT_INTERNAL Tallyfoot::Implementation {
                    AuthenticationClosure authenticationClosure);
     void setAppInfo(std::shared_ptr<ApplicationInfo> appInfo);
     void installInterceptionsOnce();
-    void setSeams(Seams seams);                         // before the first configure
-    void changeSeams(FunctionRef<void(Seams&)> change); // as before, but for what it changes
+    void setSeams(Seams seams); // before the first configure
 
     Exclusive<CategoryTitles> categoryCustomTitles;
     std::atomic<bool> isSwizzled = false;

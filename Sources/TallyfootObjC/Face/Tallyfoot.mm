@@ -1,4 +1,5 @@
 #include "TallyfootObjC/Binding/Binding.h"
+#include "TallyfootObjC/Binding/ClassLoading.h"
 #include "TallyfootObjC/Face/LastObject.h"
 #include "TallyfootObjC/Face/Records.h"
 #include "TallyfootObjC/Support/Blocks.h"
@@ -63,6 +64,10 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 } // namespace
 
 @implementation Tallyfoot
+
++ (void)load {
+    prepareWithClasses();
+}
 
 + (void)initialize {
     if (self == [Tallyfoot class]) capture().prepare();
