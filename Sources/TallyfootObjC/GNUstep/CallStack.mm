@@ -1,7 +1,10 @@
-// The symbols of methods are local to their files here, and so in no call stack's texts. But the runtime
-// knows where each method's code begins, and the unwinder where the code around an address does.
+// The symbols of methods are local to their files here, and so in no call stack's texts, unless somebody
+// has named a function so. But the runtime knows where each method's code begins, and the unwinder where
+// the code around an address does.
 
 #include "TallyfootObjC/Binding/CallStack.h"
+
+#include "TallyfootObjC/Support/Text.h"
 
 #include <execinfo.h>
 #include <objc/runtime.h>
@@ -32,12 +35,7 @@ std::vector<const void*> methodsOf(const std::string& className, std::string_vie
     return beginnings;
 }
 
-} // namespace
-
-bool callStackContains(std::string_view marker) {
-    const auto space = marker.find(' ');
-    if (space == std::string_view::npos) return false;
-    const auto beginnings = methodsOf(std::string(marker.substr(0, space)), marker.substr(space + 1));
+bool isAnyOnCallStack(const std::vector<const void*>& beginnings) {
     if (beginnings.empty()) return false;
     std::array<void*, mostFrames> frames;
     const int count = ::backtrace(frames.data(), mostFrames);
@@ -46,6 +44,22 @@ bool callStackContains(std::string_view marker) {
         const void* begins = _Unwind_FindEnclosingFunction(static_cast<char*>(frame) - 1);
         return std::find(beginnings.begin(), beginnings.end(), begins) != beginnings.end();
     });
+}
+
+bool isAmongSymbols(std::string_view marker) {
+    NSString* expected = string(marker);
+    for (NSString* symbol in [NSThread callStackSymbols])
+        if ([symbol rangeOfString:expected].location != NSNotFound) return true;
+    return false;
+}
+
+} // namespace
+
+bool callStackContains(std::string_view marker) {
+    const auto space = marker.find(' ');
+    if (space == std::string_view::npos) return isAmongSymbols(marker);
+    const auto methods = methodsOf(std::string(marker.substr(0, space)), marker.substr(space + 1));
+    return isAnyOnCallStack(methods) || isAmongSymbols(marker);
 }
 
 } // namespace tallyfoot::objc

@@ -36,11 +36,9 @@ std::vector<Class> allClasses() {
 
 void updateDispatchTables(Method method) {
     if (__objc_update_dispatch_table_for_class == nullptr) return;
+    // Their lists are read, no class is asked: it would be initialised by the question, long before its time.
     for (Class aClass : allClasses())
-        if (class_getInstanceMethod(aClass, method_getName(method)) == method && has(aClass, method)) {
-            __objc_update_dispatch_table_for_class(aClass);
-            return;
-        }
+        if (has(aClass, method)) return __objc_update_dispatch_table_for_class(aClass);
 }
 
 } // namespace tallyfoot::objc
