@@ -73,7 +73,7 @@ if(NOT TARGET Tallyfoot::Foundation)
   # Only for compilers that know them: a host's plain C++ may come from another one.
   set(language "$<OR:$<COMPILE_LANGUAGE:OBJC,OBJCXX>,$<COMPILE_LANG_AND_ID:C,Clang>,$<COMPILE_LANG_AND_ID:CXX,Clang>>")
   target_compile_options(Tallyfoot::Foundation INTERFACE
-    "$<${language}:SHELL:-fobjc-runtime=gcc -fblocks -fexceptions -fobjc-exceptions -fconstant-string-class=NSConstantString>"
+    "$<${language}:SHELL:-fobjc-runtime=gcc -fblocks -fexceptions -fconstant-string-class=NSConstantString>"
     # Behind all others, so that the compiler's own headers stay in front of GCC's, and a host's in front of ours.
     "$<${language}:SHELL:-idirafter \"${TALLYFOOT_GNUSTEP_HEADERS}\">"
     "$<${language}:SHELL:-idirafter \"${CMAKE_CURRENT_LIST_DIR}/GNUstep\">"

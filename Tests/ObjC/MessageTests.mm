@@ -214,6 +214,17 @@ TEST_F(ObjCMessages, LetThroughWhatATellingRaises) {
     EXPECT_TRUE([name isEqual:@"NotNow"]);
 }
 
+NSArray* otherSymbols(id, SEL) { return @[ @"3 Shop 0x1 -[UIControl touchesEnded:withEvent:] + 60" ]; }
+
+TEST_F(ObjCMessages, BelieveAnotherAccountOfTheCallStack) {
+    const Method method = class_getClassMethod([NSThread class], @selector(callStackSymbols));
+    const IMP former = method_setImplementation(method, reinterpret_cast<IMP>(otherSymbols));
+    EXPECT_TRUE(messages_.callStackSymbolsContain("UIControl touchesEnded"));
+    EXPECT_FALSE(messages_.callStackSymbolsContain("UISlider continueTrackingWithTouch"));
+    method_setImplementation(method, former);
+    EXPECT_FALSE(messages_.callStackSymbolsContain("UIControl touchesEnded"));
+}
+
 TEST_F(ObjCMessages, FindNoMarkerThatIsNotOnTheCallStack) {
     EXPECT_FALSE(messages_.callStackSymbolsContain("UIControl touchesEnded"));
     EXPECT_FALSE(messages_.callStackSymbolsContain("NoSuchClass method"));
