@@ -28,7 +28,10 @@ namespace {
 
 class Controllers : public ::testing::Test {
 protected:
-    ~Controllers() override { [pool release]; }
+    ~Controllers() override {
+        [pool release];
+        [probe release];
+    }
 
     Page* page(NSString* title) {
         Page* made = [[[Page alloc] init] autorelease];

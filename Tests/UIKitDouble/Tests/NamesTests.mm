@@ -16,11 +16,13 @@ void PrintTo(const Ancestry& ancestry, std::ostream* stream) { *stream << ancest
 class Names : public ::testing::TestWithParam<Ancestry> {};
 
 TEST_P(Names, HasItsAncestor) {
-    Class named = NSClassFromString([NSString stringWithUTF8String:GetParam().name]);
-    Class ancestor = NSClassFromString([NSString stringWithUTF8String:GetParam().ancestor]);
-    ASSERT_NE(named, nil);
-    ASSERT_NE(ancestor, nil);
-    EXPECT_TRUE([named isSubclassOfClass:ancestor]);
+    @autoreleasepool {
+        Class named = NSClassFromString([NSString stringWithUTF8String:GetParam().name]);
+        Class ancestor = NSClassFromString([NSString stringWithUTF8String:GetParam().ancestor]);
+        ASSERT_NE(named, nil);
+        ASSERT_NE(ancestor, nil);
+        EXPECT_TRUE([named isSubclassOfClass:ancestor]);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
