@@ -1,5 +1,7 @@
 // How a sanitizer is to look for leaks in a program with GCC's runtime. In the program, because it is run
 // while it is built.
+#import <Foundation/Foundation.h>
+
 #if __has_feature(address_sanitizer)
 const char* __asan_default_options(void);
 const char* __lsan_default_suppressions(void);
