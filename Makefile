@@ -17,7 +17,7 @@ help: ## this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-13s %s\n", $$1, $$2}' $(firstword $(MAKEFILE_LIST))
 
 .PHONY: demo
-demo: ## a local collector and a small host, from the first event to the confirmed upload
+demo: ## a local collector and a shop app: from the first touch to the confirmed upload
 	@Scripts/install-dependencies build test objc
 	$(call configured,release)
 	@cmake --build --preset release --target tallyfoot
