@@ -35,12 +35,14 @@ public:
     void log(EventType type, Attributes& attributes) override { events.push_back({type, attributes}); }
     std::string category(ITFClass itfClass) const override { return tallyfoot::category(itfClass, titles); }
     bool isIgnored(std::string_view category) const override { return ignored.contains(category); }
+    void setCurrentScreenTitle(std::string_view title) override { currentScreenTitle = title; }
     const DebugConsole& console() const override { return debugConsole; }
     const Clock& clock() const override { return manualClock; }
 
     CategoryTitles titles;
     std::set<std::string, std::less<>> ignored;
     std::vector<RecordedEvent> events;
+    std::string currentScreenTitle;
     std::atomic<bool> showOutput = true;
     RecordingConsole output;
     ManualClock manualClock;

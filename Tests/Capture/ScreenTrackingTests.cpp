@@ -173,16 +173,16 @@ TEST_F(ScreenTrackingTest, TheConsoleShowsTheNumberOfScreens) {
 }
 
 TEST_F(ScreenTrackingTest, TheCurrentTitleIsThatOfTheScreenShownLast) {
-    EXPECT_EQ(host_.capture.currentScreenTitle(), "");
+    EXPECT_EQ(host_.facade.currentScreenTitle, "");
     appear(screen_);
-    EXPECT_EQ(host_.capture.currentScreenTitle(), "Basket");
+    EXPECT_EQ(host_.facade.currentScreenTitle, "Basket");
     const auto sheet = titled("Sheet");
     appear(sheet);
-    EXPECT_EQ(host_.capture.currentScreenTitle(), "Sheet");
+    EXPECT_EQ(host_.facade.currentScreenTitle, "Sheet");
     disappear(sheet);
-    EXPECT_EQ(host_.capture.currentScreenTitle(), "Basket") << "it never went";
+    EXPECT_EQ(host_.facade.currentScreenTitle, "Basket") << "it never went";
     disappear(screen_);
-    EXPECT_EQ(host_.capture.currentScreenTitle(), "");
+    EXPECT_EQ(host_.facade.currentScreenTitle, "");
 }
 
 TEST_F(ScreenTrackingTest, AScreenThatAppearsAgainIsTheCurrentOneByItsNewTitle) {
@@ -191,13 +191,13 @@ TEST_F(ScreenTrackingTest, AScreenThatAppearsAgainIsTheCurrentOneByItsNewTitle) 
     appear(other);
     host_.runtime.answer(screen_, "title", std::string("Basket (1)"));
     appear(screen_);
-    EXPECT_EQ(host_.capture.currentScreenTitle(), "Basket (1)");
+    EXPECT_EQ(host_.facade.currentScreenTitle, "Basket (1)");
 }
 
 TEST_F(ScreenTrackingTest, AnUntrackedScreenIsNotTheCurrentOne) {
     appear(screen_);
     appear(host_.make("UIAlertController", {{"title", std::string("Sure?")}}));
-    EXPECT_EQ(host_.capture.currentScreenTitle(), "Basket");
+    EXPECT_EQ(host_.facade.currentScreenTitle, "Basket");
 }
 
 } // namespace

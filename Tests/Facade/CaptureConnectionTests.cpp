@@ -164,20 +164,5 @@ TEST(WithoutABinding, ConfigureSwizzleFindsNothingToInstall) {
     Tallyfoot::log("purchase", {});
 }
 
-TEST(CaptureSeams, OtherSeamsStayWhenCaptureIsConnected) {
-    int hooks = 0;
-    Tallyfoot::Implementation::shared().setSeams({.installCrashHooks = [&] { ++hooks; }});
-    static MemoryRuntime runtime;
-    static MemoryBinding binding(runtime);
-    connectCapture(binding.references());
-    TemporaryFolder root;
-    ::setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
-    Tallyfoot::setShowOutput(false);
-    Tallyfoot::configure(nullptr, {}, [] { return std::make_shared<Authentication>("user-1", "token-1"); });
-    EXPECT_EQ(hooks, 1);
-    Tallyfoot::Implementation::shared().setSeams({});
-}
-
 } // namespace
 } // namespace tallyfoot::testing

@@ -307,7 +307,7 @@ TEST_F(TallyfootTest, AnEmptyPageParentIsOne) {
 }
 
 TEST_F(TallyfootTest, TheScreenTitleComesFromAutomaticCapture) {
-    Tallyfoot::Implementation::shared().setSeams({.currentScreenTitle = [] { return std::string("Home"); }});
+    Tallyfoot::Implementation::shared().pipeline.setCurrentScreenTitle("Home");
     start();
     Tallyfoot::log("a", {});
     EXPECT_EQ(records()[0]["pgName"], "Home");

@@ -61,7 +61,6 @@ void Capture::configureSwizzle() noexcept {
     quietly([this] { implementation_->exchanges.exchange(); });
 }
 
-std::string Capture::currentScreenTitle() const { return implementation_->screens.currentScreenTitle(); }
 
 // --- Options of an object --------------------------------------------------------------------
 

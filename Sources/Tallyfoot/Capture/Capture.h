@@ -16,7 +16,7 @@ namespace tallyfoot {
 // its method bodies in place through `prepare` and `configureSwizzle`; afterwards each body calls one
 // operation here, with its own arguments, and does nothing else. What an operation calls forward or
 // sends on may throw, and that passes through; nothing else leaves it. Main thread, but
-// `currentScreenTitle` and the options on any.
+// the options on any.
 class TALLYFOOT_EXPORT Capture {
 public:
     Capture(const CaptureBinding& binding, CaptureFacade& facade);
@@ -29,8 +29,6 @@ public:
     void prepare() noexcept;
     // The ten exchanges. A class or selector that is missing is skipped. Once; never undone.
     void configureSwizzle() noexcept;
-
-    std::string currentScreenTitle() const; // "" where no screen is shown
 
     // --- Options of an object ------------------------------------------------------------------
 

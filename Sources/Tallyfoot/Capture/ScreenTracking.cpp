@@ -30,7 +30,7 @@ void ScreenTracking::willAppear(const PlatformObject& controller) {
         const auto [place, isNew] = screens.active.try_emplace(controller.reference().pointer, Screen{now, 0, {}});
         place->second.appearance = ++screens.appearances;
         place->second.title = title;
-        screens.currentTitle = title;
+        facade_.setCurrentScreenTitle(title); // in the order of the appearances
         if (isNew) started = screens.active.size();
     });
     if (started > 0) printSize(started);
@@ -67,7 +67,7 @@ std::optional<double> ScreenTracking::takeElapsed(void* identity) {
             std::max_element(screens.active.begin(), screens.active.end(), [](const auto& one, const auto& other) {
                 return one.second.appearance < other.second.appearance;
             });
-        screens.currentTitle = last == screens.active.end() ? std::string() : last->second.title;
+        facade_.setCurrentScreenTitle(last == screens.active.end() ? std::string_view() : last->second.title);
     });
     if (!elapsed) return std::nullopt;
     printSize(left);

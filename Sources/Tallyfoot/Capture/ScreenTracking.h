@@ -13,18 +13,14 @@
 namespace tallyfoot {
 
 // A screen is a view controller between its will-appear and its will-disappear. When it goes, it becomes
-// an event that tells how long it was shown. Any thread.
+// an event that tells how long it was shown. The current one is that which appeared last of those still
+// shown; its title is the one it had when it appeared. Any thread.
 class ScreenTracking {
 public:
     explicit ScreenTracking(CaptureFacade& facade) : facade_(facade) {}
 
     void willAppear(const PlatformObject& controller);
     void willDisappear(const PlatformObject& controller);
-
-    // The title, as it was then, of the screen that appeared last of those still shown; "" where none is.
-    std::string currentScreenTitle() const {
-        return screens_.read([](const Screens& screens) { return screens.currentTitle; });
-    }
 
 private:
     struct Screen {
@@ -36,7 +32,6 @@ private:
     struct Screens {
         std::unordered_map<void*, Screen> active; // by identity, which nobody looks behind
         std::uint64_t appearances = 0;
-        std::string currentTitle;
     };
 
     static bool isTrackedScreen(const PlatformObject& controller);

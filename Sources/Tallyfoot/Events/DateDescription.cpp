@@ -1,6 +1,5 @@
 #include "Tallyfoot/Events/DateDescription.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -10,14 +9,10 @@ namespace tallyfoot {
 
 namespace {
 
-using Second = std::chrono::sys_seconds;
-
-// The text of one second, kept because many events fall into it. Without a destructor, so that an
-// event logged while its thread ends still finds it.
+// The text of one second. Without a destructor, so that an event logged while its thread ends still finds it.
 struct KeptText {
     std::int64_t second = std::numeric_limits<std::int64_t>::min();
-    std::size_t size = 0;
-    std::array<char, 40> bytes{};
+    DateDescription description{std::chrono::sys_seconds{}};
 };
 
 char* writeTwoDigits(char* at, unsigned number) {
@@ -33,11 +28,13 @@ char* writeYear(char* at, int year) {
     return std::to_chars(at, at + 8, magnitude).ptr;
 }
 
-void write(KeptText& text, Second second) {
+} // namespace
+
+DateDescription::DateDescription(std::chrono::sys_seconds second) noexcept {
     const auto day = std::chrono::floor<std::chrono::days>(second);
     const std::chrono::year_month_day date(day);
     const std::chrono::hh_mm_ss time(second - day);
-    char* at = writeYear(text.bytes.data(), static_cast<int>(date.year()));
+    char* at = writeYear(bytes_.data(), static_cast<int>(date.year()));
     *at++ = '-';
     at = writeTwoDigits(at, static_cast<unsigned>(date.month()));
     *at++ = '-';
@@ -49,23 +46,22 @@ void write(KeptText& text, Second second) {
     *at++ = ':';
     at = writeTwoDigits(at, static_cast<unsigned>(time.seconds().count()));
     for (const char byte : std::string_view(" +0000")) *at++ = byte;
-    text.size = static_cast<std::size_t>(at - text.bytes.data());
-    text.second = second.time_since_epoch().count();
+    size_ = static_cast<std::size_t>(at - bytes_.data());
 }
 
-} // namespace
-
 std::string_view dateDescription(std::chrono::sys_seconds second) {
-    thread_local constinit KeptText kept;
-    if (second.time_since_epoch().count() != kept.second) write(kept, second);
-    return {kept.bytes.data(), kept.size};
+    thread_local KeptText kept;
+    const auto number = second.time_since_epoch().count();
+    if (number != kept.second) kept = {number, DateDescription(second)};
+    return kept.description.text();
 }
 
 std::string dateDescription(double secondsSince1970) {
     constexpr double most = 9e11; // some 28,500 years
     const double second = std::floor(secondsSince1970);
     if (!(second > -most && second < most)) return {}; // nor is it a number
-    return std::string(dateDescription(Second(std::chrono::seconds(static_cast<std::int64_t>(second)))));
+    const std::chrono::seconds whole(static_cast<std::int64_t>(second));
+    return std::string(DateDescription(std::chrono::sys_seconds(whole)).text());
 }
 
 } // namespace tallyfoot

@@ -19,6 +19,7 @@ public:
     bool isIgnored(std::string_view category) const override {
         return facade().pipeline.context()->ignoreClasses.contains(category);
     }
+    void setCurrentScreenTitle(std::string_view title) override { facade().pipeline.setCurrentScreenTitle(title); }
     const DebugConsole& console() const override {
         static const auto& console =
             *new DebugConsole(*defaultPlatformServices().console, processSettings().showOutput);
@@ -45,16 +46,8 @@ Capture& connectCapture(const CaptureBinding& binding) {
     return capture;
 }
 
-Seams captureSeams() {
-    Seams seams;
-    seams.installInterceptions = [] {
-        if (auto* const capture = connected.load()) capture->configureSwizzle();
-    };
-    seams.currentScreenTitle = [] {
-        const auto* const capture = connected.load();
-        return capture ? capture->currentScreenTitle() : std::string();
-    };
-    return seams;
+void installConnectedCapture() {
+    if (auto* const capture = connected.load()) capture->configureSwizzle();
 }
 
 } // namespace tallyfoot

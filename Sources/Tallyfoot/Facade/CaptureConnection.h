@@ -2,7 +2,6 @@
 
 #include "Tallyfoot/Capture/Capture.h"
 #include "Tallyfoot/Export.h"
-#include "Tallyfoot/Facade/Seams.h"
 
 namespace tallyfoot {
 
@@ -13,7 +12,7 @@ namespace tallyfoot {
 // released. Calling it again gives the same capture.
 TALLYFOOT_EXPORT Capture& connectCapture(const CaptureBinding& binding);
 
-// The facade's seams to the capture that is connected by the time they are used, if any is.
-Seams captureSeams();
+// Installs the interceptions of the capture that is connected by now, if any is.
+void installConnectedCapture();
 
 } // namespace tallyfoot

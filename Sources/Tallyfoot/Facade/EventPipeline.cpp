@@ -28,15 +28,18 @@ std::string asArray(std::string_view text) {
 
 } // namespace
 
-EventPipeline::EventPipeline(const PlatformServices& services, const Settings& settings)
+EventPipeline::EventPipeline(const PlatformServices& services, const Settings& settings, CrashContext& crashContext)
     : device_(services), settings_(settings), console_(*services.console, settings.showOutput),
-      generated_(*services.clock, *services.random), context_(std::make_shared<const Context>()) {}
+      generated_(*services.clock, *services.random), crashContext_(crashContext),
+      context_(std::make_shared<const Context>()) {}
 
 void EventPipeline::changeContext(FunctionRef<void(Context&)> change) {
     std::shared_ptr<const Context> former; // released after the lock
     context_.modify([&](std::shared_ptr<const Context>& context) {
         auto changed = std::make_shared<Context>(*context);
         change(*changed);
+        crashContext_.setPageParent(changed->pageParent);
+        crashContext_.setScreenTitle(changed->currentScreenTitle);
         former = std::exchange(context, std::move(changed));
     });
 }
@@ -46,14 +49,18 @@ bool EventPipeline::isIgnored(const Attributes& attributes, const Context& conte
     return category != nullptr && context.ignoreClasses.contains(*category);
 }
 
+void EventPipeline::setCurrentScreenTitle(std::string_view title) {
+    changeContext([&](Context& context) { context.currentScreenTitle = title; });
+}
+
 void EventPipeline::log(EventType type, Attributes& attributes, std::optional<std::string_view> customText) {
+    crashContext_.prepareThread();
     const auto context = this->context();
     if (isIgnored(attributes, *context)) return;
     if (customText) attributes.set(LogAttribute::custom, asArray(*customText));
     if (attributes.empty()) return;
 
-    generated_.addTo(attributes, context->currentScreenTitle ? context->currentScreenTitle() : std::string(),
-                     context->pageParent);
+    generated_.addTo(attributes, context->currentScreenTitle, context->pageParent);
     if (!attributes.contains(LogAttribute::evtType)) attributes.set(LogAttribute::evtType, rawValue(type));
 
     if (context->appInfo && console_.isOn()) print(attributes, *context->appInfo);

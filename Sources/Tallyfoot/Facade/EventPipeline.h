@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Tallyfoot/Crash/CrashContext.h"
 #include "Tallyfoot/Events/Attributes.h"
 #include "Tallyfoot/Events/Device.h"
 #include "Tallyfoot/Events/EventType.h"
@@ -11,7 +12,6 @@
 #include "Tallyfoot/Platform/PlatformServices.h"
 #include "Tallyfoot/Recording/EventRecorder.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -31,10 +31,11 @@ public:
         std::optional<std::string> pageParent;
         std::shared_ptr<ApplicationInfo> appInfo; // for the console
         std::shared_ptr<EventRecorder> recorder;
-        std::function<std::string()> currentScreenTitle;
+        std::string currentScreenTitle; // "" where no screen is shown
     };
 
-    EventPipeline(const PlatformServices& services, const Settings& settings);
+    // The crash context hears of every thread that logs, and of what events carry from here on.
+    EventPipeline(const PlatformServices& services, const Settings& settings, CrashContext& crashContext);
 
     // Custom data comes as JSON text; what does not begin with "[" becomes an array of one. Adds to the
     // attributes, in their place: they are large, and a move touches each of them.
@@ -44,6 +45,8 @@ public:
 
     void changeContext(FunctionRef<void(Context&)> change);
 
+    void setCurrentScreenTitle(std::string_view title);
+
 private:
     static bool isIgnored(const Attributes& attributes, const Context& context);
     void print(const Attributes& attributes, const ApplicationInfo& appInfo) const;
@@ -52,6 +55,7 @@ private:
     const Settings& settings_;
     const DebugConsole console_;
     const GeneratedAttributes generated_;
+    CrashContext& crashContext_;
     Exclusive<std::shared_ptr<const Context>> context_;
 };
 

@@ -7,15 +7,32 @@
 
 namespace tallyfoot {
 
-Tallyfoot::Implementation::Implementation() : pipeline(defaultPlatformServices(), processSettings()) {
-    setSeams(captureSeams());
+// How a crash of the previous run reaches the pipeline.
+class Tallyfoot::Implementation::LoggedCrash final : public CrashFacade {
+public:
+    explicit LoggedCrash(EventPipeline& pipeline) : pipeline_(pipeline) {}
+
+    void log(EventType type, Attributes& attributes) override { pipeline_.log(type, attributes, std::nullopt); }
+    bool isIgnored(std::string_view category) const override {
+        return pipeline_.context()->ignoreClasses.contains(category);
+    }
+    const DebugConsole& console() const override { return console_; }
+
+private:
+    EventPipeline& pipeline_;
+    const DebugConsole console_{*defaultPlatformServices().console, processSettings().showOutput};
+};
+
+Tallyfoot::Implementation::Implementation()
+    : crashContext(*defaultPlatformServices().crashHooks),
+      pipeline(defaultPlatformServices(), processSettings(), crashContext),
+      crashFacade_(std::make_unique<LoggedCrash>(pipeline)),
+      exceptionHandler_(defaultPlatformServices(), crashContext, *crashFacade_) {
+    setSeams({.installInterceptions = installConnectedCapture,
+              .installCrashHooks = [this] { exceptionHandler_.install(); }});
 }
 
-void Tallyfoot::Implementation::setSeams(Seams seams) {
-    pipeline.changeContext(
-        [&](EventPipeline::Context& context) { context.currentScreenTitle = seams.currentScreenTitle; });
-    seams_.exchange(std::move(seams));
-}
+void Tallyfoot::Implementation::setSeams(Seams seams) { seams_.exchange(std::move(seams)); }
 
 void Tallyfoot::Implementation::configure(std::shared_ptr<UploadConfiguration> configuration,
                                           const std::vector<std::string>& ignoreClasses,

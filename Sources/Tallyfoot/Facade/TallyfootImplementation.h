@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Tallyfoot/Crash/CrashContext.h"
+#include "Tallyfoot/Crash/ExceptionHandler.h"
 #include "Tallyfoot/Facade/EventPipeline.h"
 #include "Tallyfoot/Facade/Seams.h"
 #include "Tallyfoot/Facade/Tallyfoot.h"
@@ -25,9 +27,11 @@ struct TALLYFOOT_INTERNAL Tallyfoot::Implementation {
 
     Exclusive<CategoryTitles> categoryCustomTitles;
     std::atomic<bool> isSwizzled = false;
+    CrashContext crashContext;
     EventPipeline pipeline;
 
 private:
+    class LoggedCrash;
     void updateApplicationInfo();
     bool startRecording();
     void switchIfOther(EventRecorder& recorder);
@@ -39,6 +43,8 @@ private:
     Mutex switching_; // one switch at a time, so that a caller's events go where its setAppInfo said
     Exclusive<std::shared_ptr<const AuthenticationClosure>> authenticationHandler_;
     Exclusive<Seams> seams_;
+    const std::unique_ptr<CrashFacade> crashFacade_;
+    ExceptionHandler exceptionHandler_;
 };
 
 } // namespace tallyfoot

@@ -8,6 +8,7 @@ namespace tallyfoot {
 class Bundles;
 class Clock;
 class Console;
+class CrashHooks;
 class Dispatch;
 class FileManager;
 class KeyedArchiver;
@@ -24,6 +25,7 @@ struct PlatformServices {
     std::shared_ptr<Bundles> bundles;
     std::shared_ptr<Clock> clock;
     std::shared_ptr<Console> console;
+    std::shared_ptr<CrashHooks> crashHooks;
     std::shared_ptr<Dispatch> dispatch;
     std::shared_ptr<FileManager> fileManager;
     std::shared_ptr<KeyedArchiver> keyedArchiver;

@@ -1,5 +1,7 @@
 #include "Tallyfoot/Platform/Posix/DetachedThread.h"
 
+#include "Tallyfoot/Platform/Posix/AlternateStack.h"
+
 #include <pthread.h>
 #include <signal.h>
 
@@ -21,6 +23,7 @@ struct Start {
 void* run(void* argument) {
     const std::unique_ptr<Start> start(static_cast<Start*>(argument));
     ::pthread_setname_np(::pthread_self(), start->name.c_str());
+    ensureAlternateStack();
     start->body();
     return nullptr;
 }

@@ -2,6 +2,7 @@
 #include "Tallyfoot/Platform/Posix/PosixBundles.h"
 #include "Tallyfoot/Platform/Posix/PosixClock.h"
 #include "Tallyfoot/Platform/Posix/PosixConsole.h"
+#include "Tallyfoot/Platform/Posix/PosixCrashHooks.h"
 #include "Tallyfoot/Platform/Posix/PosixDispatch.h"
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
 #include "Tallyfoot/Platform/Posix/PosixKeyedArchiver.h"
@@ -25,6 +26,7 @@ PlatformServices posixPlatformServices() {
     services.bundles = bundles;
     services.clock = std::make_shared<PosixClock>();
     services.console = std::make_shared<PosixConsole>();
+    services.crashHooks = std::make_shared<PosixCrashHooks>();
     services.dispatch = std::make_shared<PosixDispatch>();
     services.fileManager = std::make_shared<PosixFileManager>();
     services.keyedArchiver = std::make_shared<PosixKeyedArchiver>();

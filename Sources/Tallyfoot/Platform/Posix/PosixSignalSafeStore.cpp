@@ -1,6 +1,7 @@
 #include "Tallyfoot/Platform/Posix/PosixSignalSafeStore.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -96,16 +97,30 @@ bool write(int file, std::span<const SignalSafeStore::Text> texts) noexcept {
 
 PosixSignalSafeStore::PosixSignalSafeStore(const std::string& folder, std::string path, std::string key,
                                            const std::atomic<NumberTable*>& numbers)
-    : hidden_(folder + "/.value." + std::to_string(::getpid()) + ".new"), path_(std::move(path)), key_(std::move(key)),
-      numbers_(numbers) {}
+    : folder_(folder), hidden_(folder + "/.value." + std::to_string(::getpid()) + ".new"), path_(std::move(path)),
+      key_(std::move(key)), numbers_(numbers), spare_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {}
+
+FileDescriptor PosixSignalSafeStore::open() noexcept {
+    const auto once = [this] {
+        return FileDescriptor(::open(hidden_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    };
+    auto file = once();
+    if (!file && errno == ENOENT && ::mkdir(folder_.c_str(), 0700) == 0) file = once(); // somebody removed it
+    if (!file && (errno == EMFILE || errno == ENFILE)) {
+        spare_ = FileDescriptor();
+        file = once();
+    }
+    return file;
+}
 
 bool PosixSignalSafeStore::store(std::span<const Text> texts) noexcept {
     const int kept = errno;
-    const int file = ::open(hidden_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    bool isStored = file >= 0 && write(file, texts);
-    if (file >= 0) ::close(file);
+    auto file = open();
+    const bool isOpen = bool(file);
+    bool isStored = isOpen && write(file.number(), texts);
+    file = FileDescriptor();
     isStored = isStored && std::rename(hidden_.c_str(), path_.c_str()) == 0;
-    if (!isStored && file >= 0) ::unlink(hidden_.c_str());
+    if (!isStored && isOpen) ::unlink(hidden_.c_str());
 
     auto* numbers = numbers_.load(std::memory_order_acquire);
     if (isStored && numbers != nullptr && numbers->isWritable())

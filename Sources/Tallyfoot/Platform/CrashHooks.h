@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string_view>
+
+namespace tallyfoot {
+
+// The two ways a process crashes, and its end. One set of hooks a process: installing replaces whatever
+// was there, the host's own included, and chains to nothing. Apple: NSSetUncaughtExceptionHandler,
+// signal and exit.
+//
+// Of several crashes the first one's hook runs, on the thread that crashed; whoever crashes meanwhile
+// waits until what the hook keeps has been kept, and then ends the process. A crash inside a hook ends
+// it at once. A process forked afterwards crashes as if there were no hooks.
+class CrashHooks {
+public:
+    // Gets the exception's reason, or "" where it has none. When it returns, the process ends as an
+    // uncaught exception ends it; the hook for the abort is passed over.
+    using ExceptionHook = void (*)(std::string_view reason) noexcept;
+    // Gets the signal's number, and ends with `exit`. May call only what is async-signal-safe.
+    using SignalHook = void (*)(int number) noexcept;
+
+    virtual ~CrashHooks() = default;
+
+    virtual void setUncaughtExceptionHandler(ExceptionHook hook) = 0;
+    virtual void signal(int number, SignalHook hook) = 0;
+
+    // Ends a signal hook: what is kept is kept. Runs the process's exit handlers; should these crash or
+    // hang, the process ends with the same status without them.
+    [[noreturn]] virtual void exit(int status) noexcept = 0;
+
+    // Gives the calling thread what a hook needs should its stack be used up. Cheap after the first call.
+    virtual void prepareThread() noexcept = 0;
+
+    // Lets other threads go on for about a millisecond. Async-signal-safe.
+    virtual void pause() noexcept = 0;
+};
+
+} // namespace tallyfoot

@@ -1,0 +1,182 @@
+#include "Tallyfoot/Platform/Posix/PosixCrashHooks.h"
+
+#include "Tallyfoot/Platform/Posix/AlternateStack.h"
+
+#include <signal.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <ucontext.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <exception>
+
+namespace tallyfoot {
+
+namespace {
+
+constexpr unsigned patienceInSeconds = 5; // with hooks and exit handlers, the host's among them
+constexpr int mostPauses = 2000;          // while another thread keeps what its hook keeps
+constexpr int mostSignals = 65;
+
+// What is read inside a handler: constant-initialised, lock-free, in nobody's thread-local storage, which
+// may be allocated when it is first touched.
+constinit std::atomic<CrashHooks::ExceptionHook> exceptionHook{nullptr};
+constinit std::array<std::atomic<CrashHooks::SignalHook>, mostSignals> signalHooks{};
+constinit std::atomic<pid_t> owner{0}; // the process that installed
+constinit std::atomic<pid_t> crashingThread{0};
+constinit std::atomic<pid_t> reasoningThread{0}; // asks an exception for its reason
+constinit std::atomic<int> crashingSignal{0};    // 0 for an exception
+constinit std::atomic<bool> isKept{false};
+constinit sigset_t interruptedMask{}; // of the crashing thread; nobody else touches it
+
+static_assert(std::atomic<CrashHooks::SignalHook>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
+
+pid_t thisThread() noexcept { return static_cast<pid_t>(::syscall(SYS_gettid)); }
+
+void setAction(int number, void (*handler)(int)) noexcept {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_ONSTACK;
+    ::sigfillset(&action.sa_mask);
+    ::sigaction(number, &action, nullptr);
+}
+
+void unblock(int number) noexcept {
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::sigaddset(&signals, number);
+    ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+[[noreturn]] void endAtOnce() noexcept {
+    const int number = crashingSignal.load();
+    if (number != 0) ::_exit(number);
+    setAction(SIGABRT, SIG_DFL);
+    unblock(SIGABRT);
+    ::raise(SIGABRT);
+    ::_exit(SIGABRT);
+}
+
+void onAlarm(int) { endAtOnce(); }
+
+// An alarm rather than a thread that watches: it needs nothing made beforehand and reaches any thread.
+void armWatchdog() noexcept {
+    setAction(SIGALRM, onAlarm);
+    unblock(SIGALRM);
+    ::alarm(patienceInSeconds);
+}
+
+void pauseBriefly() noexcept {
+    const timespec millisecond{0, 1'000'000};
+    ::nanosleep(&millisecond, nullptr);
+}
+
+// True for the one thread whose crash is told. The others end the process, once that crash is kept.
+bool claim(int number) noexcept {
+    const auto self = thisThread();
+    pid_t nobody = 0;
+    if (crashingThread.compare_exchange_strong(nobody, self)) {
+        crashingSignal.store(number);
+        return true;
+    }
+    if (crashingThread.load() != self)
+        for (int pauses = 0; !isKept.load() && pauses < mostPauses; ++pauses) pauseBriefly();
+    return false;
+}
+
+bool isOurProcess() noexcept { return owner.load() == ::getpid(); }
+
+// A synchronous fault comes again when the handler returns; one that was sent is sent again.
+void leaveToDefaultAction(int number) noexcept {
+    setAction(number, SIG_DFL);
+    ::raise(number);
+}
+
+void onSignal(int number, siginfo_t*, void* context) {
+    if (!isOurProcess()) return leaveToDefaultAction(number);
+    if (!claim(number)) endAtOnce();
+    interruptedMask = static_cast<const ucontext_t*>(context)->uc_sigmask;
+    armWatchdog();
+    signalHooks[static_cast<std::size_t>(number)].load()(number);
+    endAtOnce();
+}
+
+// No signal that is sent to the thread gets in between; a fault does, and ends the process.
+void keep(std::string_view reason) noexcept {
+    sigset_t all;
+    sigset_t former;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &former);
+    if (!claim(0)) endAtOnce();
+    armWatchdog();
+    exceptionHook.load()(reason);
+    isKept.store(true);
+    setAction(SIGABRT, SIG_DFL); // the abort to come is this same crash
+    ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
+    unblock(SIGALRM);
+}
+
+// The runtime's own message. A handler of the host's is never called: ours replaces it.
+[[noreturn]] void endAsUsual() {
+#ifdef __GLIBCXX__
+    __gnu_cxx::__verbose_terminate_handler();
+#endif
+    std::abort();
+}
+
+[[noreturn]] void onTerminate() {
+    if (!isOurProcess()) endAsUsual();
+    // A reason that itself cannot be had: the second time round we go without.
+    const bool isSecondRound = reasoningThread.exchange(thisThread()) == thisThread();
+    if (!isSecondRound && std::current_exception()) {
+        try {
+            throw;
+        } catch (const std::exception& exception) {
+            const char* const reason = exception.what();
+            keep(reason == nullptr ? "" : reason);
+        } catch (...) {
+            keep("");
+        }
+    } else {
+        keep("");
+    }
+    endAsUsual();
+}
+
+} // namespace
+
+void PosixCrashHooks::setUncaughtExceptionHandler(ExceptionHook hook) {
+    owner.store(::getpid());
+    exceptionHook.store(hook);
+    std::set_terminate(onTerminate);
+}
+
+void PosixCrashHooks::signal(int number, SignalHook hook) {
+    owner.store(::getpid());
+    signalHooks.at(static_cast<std::size_t>(number)).store(hook);
+    struct sigaction action {};
+    action.sa_sigaction = onSignal;
+    // Everything is blocked meanwhile: a second signal must not cut off what the hook keeps.
+    action.sa_flags = SA_ONSTACK | SA_SIGINFO | SA_RESTART;
+    ::sigfillset(&action.sa_mask);
+    ::sigaction(number, &action, nullptr);
+}
+
+void PosixCrashHooks::exit(int status) noexcept {
+    isKept.store(true);
+    // The exit handlers run as the thread ran, but open to a crash of their own and to the alarm.
+    for (int number = 1; number < mostSignals; ++number)
+        if (number == SIGALRM || signalHooks[static_cast<std::size_t>(number)].load() != nullptr)
+            ::sigdelset(&interruptedMask, number);
+    ::pthread_sigmask(SIG_SETMASK, &interruptedMask, nullptr);
+    std::exit(status);
+}
+
+void PosixCrashHooks::prepareThread() noexcept { ensureAlternateStack(); }
+
+void PosixCrashHooks::pause() noexcept { pauseBriefly(); }
+
+} // namespace tallyfoot
