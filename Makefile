@@ -14,7 +14,7 @@ configured = @test build/$(1)/build.ninja -nt CMakePresets.json || cmake --prese
 
 .PHONY: help
 help: ## this list
-	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-13s %s\n", $$1, $$2}' $(firstword $(MAKEFILE_LIST))
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-14s %s\n", $$1, $$2}' $(firstword $(MAKEFILE_LIST))
 
 .PHONY: demo
 demo: ## a local collector and a shop app: from the first touch to the confirmed upload
@@ -93,6 +93,14 @@ kill-campaign: ## hundreds of kills at random moments: not one acknowledged even
 	$(call configured,release)
 	@cmake --build --preset release --target IntegrationTests
 	@TALLYFOOT_KILL_ROUNDS=$(ROUNDS) build/release/Tests/Integration/IntegrationTests --gtest_filter='*Kill*'
+
+.PHONY: crash-campaign
+crash-campaign: ## a thousand crashes at random moments, and every one at each lock and call: each is told once
+	@Scripts/install-dependencies build test
+	$(call configured,release)
+	@cmake --build --preset release --target IntegrationTests --target CrashPointTests
+	@TALLYFOOT_CRASH_STEP=1 build/release/Tests/Crash/CrashPointTests
+	@TALLYFOOT_CRASH_ROUNDS=$(if $(filter file,$(origin ROUNDS)),1000,$(ROUNDS)) build/release/Tests/Integration/IntegrationTests --gtest_filter='CrashCampaign.*'
 
 .PHONY: install
 install: ## the library, its package files and the tool, below PREFIX (/usr/local)

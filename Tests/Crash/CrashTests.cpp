@@ -121,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(Signals, CrashOn, ::testing::ValuesIn(cases()), [](cons
 class BrokenPipeOn : public CrashTest, public ::testing::WithParamInterface<Place> {};
 
 TEST_P(BrokenPipeOn, ThreadsOfTheLibraryIsNoCrash) {
-    ASSERT_TRUE(crashes(0, [this] {
+    ASSERT_TRUE(crashes(0, [] {
         GetParam().run([] {
             realFaults().back().happen();
             raisedFaults().back().happen();

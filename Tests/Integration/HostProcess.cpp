@@ -4,6 +4,8 @@
 #include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #include <zip.h>
 
 #include <csignal>
@@ -36,6 +38,14 @@ void addArchive(const std::filesystem::path& path, std::multiset<std::string>& e
         addEvents(log, events);
     }
     zip_discard(archive);
+}
+
+std::vector<pid_t> threads(pid_t process) {
+    std::vector<pid_t> all;
+    std::error_code failure;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", failure))
+        all.push_back(static_cast<pid_t>(std::stol(task.path().filename().string())));
+    return all;
 }
 
 commandline::ChildProcess startHost(const Device& device, const std::vector<std::string>& arguments) {
@@ -89,9 +99,25 @@ void HostProcess::awaitAcknowledgements(std::size_t count) {
 
 void HostProcess::kill() {
     process_.signal(SIGKILL);
-    // What stands in the pipe was acknowledged before the end.
-    while (const auto id = nextAcknowledgement()) acknowledged_.insert(*id);
+    readToEnd();
     EXPECT_EQ(process_.wait(patience).value_or(-1), 128 + SIGKILL);
+}
+
+// What stands in the pipe was acknowledged before the end.
+void HostProcess::readToEnd() {
+    while (const auto id = nextAcknowledgement()) acknowledged_.insert(*id);
+}
+
+std::optional<int> HostProcess::crash(int signal, std::mt19937& random) {
+    const auto process = process_.identifier();
+    for (bool isSent = false; !isSent;) { // a thread may be gone by now
+        const auto tasks = threads(process);
+        if (tasks.empty()) break;
+        const auto thread = tasks[std::uniform_int_distribution<std::size_t>(0, tasks.size() - 1)(random)];
+        isSent = ::syscall(SYS_tgkill, process, thread, signal) == 0;
+    }
+    readToEnd();
+    return process_.wait(patience);
 }
 
 void HostProcess::quit() {

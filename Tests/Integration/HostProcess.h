@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -32,11 +33,14 @@ public:
     void tell(const std::string& command) { process_.writeLine(command); }
     void awaitAcknowledgements(std::size_t count); // of further events; fails the test if they do not come
     void kill();                                   // at once; what it had acknowledged counts
+    // This signal, at whatever it is doing now, to one of its threads. Its exit status; nothing if it hangs.
+    std::optional<int> crash(int signal, std::mt19937& random);
     void quit();
     const std::set<std::string>& acknowledged() const { return acknowledged_; }
 
 private:
     std::optional<std::string> nextAcknowledgement();
+    void readToEnd();
 
     commandline::ChildProcess process_;
     std::set<std::string> acknowledged_;
