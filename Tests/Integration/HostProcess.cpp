@@ -9,6 +9,7 @@
 #include <zip.h>
 
 #include <csignal>
+#include <sstream>
 #include <stdexcept>
 
 namespace tallyfoot::testing {
@@ -46,6 +47,16 @@ std::vector<pid_t> threads(pid_t process) {
     for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", failure))
         all.push_back(static_cast<pid_t>(std::stol(task.path().filename().string())));
     return all;
+}
+
+// From a crash on the library listens to the alarm that ends a process which hangs.
+bool hearsAlarms(pid_t process) {
+    std::istringstream lines(readFile("/proc/" + std::to_string(process) + "/status"));
+    const std::string caught = "SigCgt:";
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with(caught))
+            return (std::stoull(line.substr(caught.size()), nullptr, 16) >> (SIGALRM - 1) & 1U) != 0;
+    return false;
 }
 
 commandline::ChildProcess startHost(const Device& device, const std::vector<std::string>& arguments) {
@@ -110,14 +121,19 @@ void HostProcess::readToEnd() {
 
 std::optional<int> HostProcess::crash(int signal, std::mt19937& random) {
     const auto process = process_.identifier();
-    for (bool isSent = false; !isSent;) { // a thread may be gone by now
+    std::optional<int> status;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    // A signal to a thread that is just ending goes with the thread: then another one gets it.
+    while (!status && std::chrono::steady_clock::now() < deadline) {
         const auto tasks = threads(process);
         if (tasks.empty()) break;
         const auto thread = tasks[std::uniform_int_distribution<std::size_t>(0, tasks.size() - 1)(random)];
-        isSent = ::syscall(SYS_tgkill, process, thread, signal) == 0;
+        if (::syscall(SYS_tgkill, process, thread, signal) != 0) continue;
+        status = process_.wait(1s);
+        if (!status && hearsAlarms(process)) status = process_.wait(patience);
     }
     readToEnd();
-    return process_.wait(patience);
+    return status;
 }
 
 void HostProcess::quit() {

@@ -43,6 +43,9 @@ public:
     // titles of this moment, are not recorded. May be called again: closure, configuration and ignored
     // classes are replaced, but a recording that runs keeps the configuration that it started with.
     // Without a configuration the default one is used; without a closure the former one stays.
+    // Each call also takes over uncaught exceptions and the signals SIGABRT, SIGILL, SIGSEGV, SIGFPE, SIGBUS
+    // and SIGPIPE, whatever the host had installed for them, and then logs the crash of the run before: set
+    // the application first, or that event has nowhere to go. Documentation/Crash.md tells what it means.
     static void configure(std::shared_ptr<UploadConfiguration> configuration,
                           const std::vector<std::string>& ignoreClasses,
                           AuthenticationClosure authenticationClosure) noexcept;

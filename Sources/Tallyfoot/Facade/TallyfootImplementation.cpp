@@ -27,6 +27,7 @@ Tallyfoot::Implementation::Implementation()
     : crashContext(*defaultPlatformServices().crashHooks),
       pipeline(defaultPlatformServices(), processSettings(), crashContext),
       crashFacade_(std::make_unique<LoggedCrash>(pipeline)),
+      // NOLINTNEXTLINE(bugprone-throw-keyword-missing): a handler of exceptions, none itself
       exceptionHandler_(defaultPlatformServices(), crashContext, *crashFacade_) {
     setSeams({.installInterceptions = installConnectedCapture,
               .installCrashHooks = [this] { exceptionHandler_.install(); }});
