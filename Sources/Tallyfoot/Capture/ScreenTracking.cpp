@@ -25,9 +25,10 @@ void ScreenTracking::willAppear(const PlatformObject& controller) {
     if (!isTrackedScreen(controller)) return;
     const auto now = facade_.clock().now();
     const auto title = screenTitle(controller);
+    const auto identifier = controller.objectIdentifier();
     std::size_t started = 0;
     screens_.modify([&](Screens& screens) {
-        const auto [place, isNew] = screens.active.try_emplace(controller.reference().pointer, Screen{now, 0, {}});
+        const auto [place, isNew] = screens.active.try_emplace(identifier, Screen{now, 0, {}});
         place->second.appearance = ++screens.appearances;
         place->second.title = title;
         facade_.setCurrentScreenTitle(title); // in the order of the appearances
@@ -37,7 +38,7 @@ void ScreenTracking::willAppear(const PlatformObject& controller) {
 }
 
 void ScreenTracking::willDisappear(const PlatformObject& controller) {
-    const auto elapsed = takeElapsed(controller.reference().pointer);
+    const auto elapsed = takeElapsed(controller.objectIdentifier());
     if (!elapsed) return;
     auto category = facade_.category(ITFClass::viewController);
     if (facade_.isIgnored(category)) return;
@@ -53,12 +54,12 @@ void ScreenTracking::willDisappear(const PlatformObject& controller) {
     facade_.log(EventType::screen, attributes);
 }
 
-std::optional<double> ScreenTracking::takeElapsed(void* identity) {
+std::optional<double> ScreenTracking::takeElapsed(const std::string& identifier) {
     const auto now = facade_.clock().now();
     std::optional<double> elapsed;
     std::size_t left = 0;
     screens_.modify([&](Screens& screens) {
-        const auto place = screens.active.find(identity);
+        const auto place = screens.active.find(identifier);
         if (place == screens.active.end()) return;
         elapsed = std::chrono::duration<double>(now - place->second.start).count();
         screens.active.erase(place);

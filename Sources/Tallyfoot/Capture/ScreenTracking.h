@@ -30,12 +30,12 @@ private:
     };
 
     struct Screens {
-        std::unordered_map<void*, Screen> active; // by identity, which nobody looks behind
+        std::unordered_map<std::string, Screen> active; // by the controller's objectIdentifier
         std::uint64_t appearances = 0;
     };
 
     static bool isTrackedScreen(const PlatformObject& controller);
-    std::optional<double> takeElapsed(void* identity);
+    std::optional<double> takeElapsed(const std::string& identifier);
     void printSize(std::size_t size) const;
 
     CaptureFacade& facade_;
