@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+
 namespace tallyfoot::testing {
 namespace {
 
@@ -221,23 +224,32 @@ TEST_F(DelegateHooksTest, ARootClassOfItsOwnIsLeftAlone) {
 // A proxy has no handling of its own: it passes on whatever it is sent.
 class ProxyTest : public DelegateHooksTest {
 protected:
-    ProxyTest() { host_.addClass("Proxy", "NSObject"); }
-
-    ObjectRef makeProxy(ObjectRef target) {
-        const auto proxy = host_.make("Proxy");
-        host_.runtime.answerWith(proxy, "respondsToSelector:", [this, target](const auto& call) {
-            return MemoryRuntime::Value(
-                host_.runtime.respondsToSelector(target, std::get<SelectorRef>(call.arguments[0])));
-        });
-        host_.runtime.answerWith(proxy, "forwardInvocation:", [this, target](const auto& call) {
+    ProxyTest() {
+        host_.addClass("Proxy", "NSObject");
+        host_.runtime.addMethod("Proxy", "forwardInvocation:", [this](const auto& call) {
             host_.journal.emplace_back("forwardInvocation:");
             auto arguments = call.arguments;
             const auto selector = std::get<SelectorRef>(arguments[0]);
             arguments.erase(arguments.begin());
-            return host_.send(target, host_.runtime.sel_getName(selector), std::move(arguments));
+            return host_.send(targets_.at(call.self), host_.runtime.sel_getName(selector), std::move(arguments));
+        });
+        host_.addClass("NamingProxy", "NSObject");
+        host_.runtime.addMethod("NamingProxy", "forwardingTargetForSelector:", [this](const auto& call) {
+            return MemoryRuntime::Value(targets_.at(call.self));
+        });
+    }
+
+    ObjectRef makeProxy(ObjectRef target, const char* className = "Proxy") {
+        const auto proxy = host_.make(className);
+        targets_[proxy] = target;
+        host_.runtime.answerWith(proxy, "respondsToSelector:", [this, proxy](const auto& call) {
+            return MemoryRuntime::Value(
+                host_.runtime.respondsToSelector(targets_.at(proxy), std::get<SelectorRef>(call.arguments[0])));
         });
         return proxy;
     }
+
+    std::map<ObjectRef, ObjectRef> targets_;
 };
 
 TEST_F(ProxyTest, ItsTargetStillHandlesTheSelection) {
@@ -255,6 +267,54 @@ TEST_F(ProxyTest, ATargetThatDoesNotHandleItIsNotSentIt) {
     host_.setDelegate(table_, proxy);
     select(proxy);
     EXPECT_THAT(host_.journal, IsEmpty());
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(ProxyTest, ATargetThatComesAfterTheProxyWasSetHandlesTheSelection) {
+    const auto proxy = makeProxy(host_.make("Plain"));
+    host_.setDelegate(table_, proxy);
+    targets_[proxy] = host_.make("Handling");
+    select(proxy);
+    EXPECT_THAT(host_.journal, ElementsAre("forwardInvocation:", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(ProxyTest, ATargetThatItNamesHandlesTheSelection) {
+    const auto proxy = makeProxy(host_.make("Handling"), "NamingProxy");
+    host_.setDelegate(table_, proxy);
+    select(proxy);
+    EXPECT_THAT(host_.journal, ElementsAre("Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(ProxyTest, ATargetThatIsADelegateItselfIsNotRecordedAgain) {
+    const auto proxy = makeProxy(setDelegate("Overriding"));
+    host_.setDelegate(host_.make("UITableView"), proxy);
+    select(proxy);
+    EXPECT_THAT(host_.journal, ElementsAre("forwardInvocation:", "Overriding", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, ASelectionThatItsHandlingHasToldAgainIsHandledAgain) {
+    int calls = 0;
+    host_.runtime.addMethod("Plain", didSelect, [&](const auto& call) {
+        if (++calls < 3) host_.send(call.self, didSelect, call.arguments);
+        return MemoryRuntime::Value();
+    });
+    select(setDelegate("Plain"));
+    EXPECT_EQ(calls, 3);
+    EXPECT_THAT(host_.events, SizeIs(1)) << "the user chose once";
+}
+
+TEST_F(DelegateHooksTest, TwoLibrariesThatTakeEachOtherForTheHostComeToAnEnd) {
+    const auto delegate = setDelegate("Handling");
+    const auto original = host_.runtime.sel_registerName(didSelect);
+    const auto method = host_.runtime.class_getInstanceMethod(host_.runtime.objc_getClass("Handling"), original);
+    const auto body = host_.runtime.method_getImplementation(method);
+    const auto renamed = host_.runtime.sel_registerName("orig_tableView:didSelectRowAt:");
+    host_.runtime.method_setImplementation(
+        host_.runtime.class_getInstanceMethod(host_.runtime.objc_getClass("Handling"), renamed), body);
+    select(delegate);
     EXPECT_THAT(host_.events, SizeIs(1));
 }
 

@@ -283,9 +283,11 @@ void MemoryRuntime::call(ImplementationRef implementation, ObjectRef object, Sel
 }
 
 void MemoryRuntime::forwardInvocation(ObjectRef object, SelectorRef selector, std::span<const ObjectRef> arguments) {
+    if (const auto named = askFor<ObjectRef>(object, sel_registerName("forwardingTargetForSelector:"), {selector}))
+        if (*named) return objc_msgSend(*named, selector, arguments);
     std::vector<Value> all{selector};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    send(object, "forwardInvocation:", std::move(all));
+    ask(object, sel_registerName("forwardInvocation:"), std::move(all));
 }
 
 bool MemoryRuntime::respondsToSelector(ObjectRef object, SelectorRef selector) {

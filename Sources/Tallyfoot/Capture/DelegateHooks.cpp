@@ -18,11 +18,15 @@ struct Call {
     ClassRef level; // whose implementation runs
     ImplementationRef implementation;
     const Call* outer;
+    int depth = outer ? outer->depth + 1 : 0;
 
-    bool isSame(const Call& other) const {
-        return body == other.body && delegate == other.delegate && sender == other.sender && item == other.item;
+    bool tellsTheSame(const Call& other) const {
+        return body == other.body && sender == other.sender && item == other.item;
     }
 };
+
+// No handling has itself called so often; two libraries that each take the other for the host would, for ever.
+constexpr int deepest = 32;
 
 thread_local constinit const Call* innermost = nullptr;
 
@@ -60,9 +64,10 @@ void DelegateHooks::intercept(MethodBody setter, ObjectRef self, ObjectRef deleg
 
 void DelegateHooks::intercept(std::size_t place, ObjectRef delegate, ClassRef delegateClass) {
     const auto& selectors = selectors_[place];
-    if (!interception_.hasMethod(delegate, selectors.original)
-        && platform_.messages.respondsToSelector(delegate, selectors.original))
-        passingOn_.modify([&](auto& classes) { classes.emplace(delegateClass, all[place].body); });
+    if (!interception_.hasMethod(delegate, selectors.original))
+        added_.modify([&](auto& classes) { classes.emplace(delegateClass, all[place].body); });
+    else if (wasAdded(place, interception_.definingClass(delegateClass, selectors.original)))
+        return; // what is there is not the host's: it is the body, or another library's that calls the body
     interception_.addInterceptMethod(selectors.original, selectors.replacement, delegateClass, selectors.renamed,
                                      all[place].types);
 }
@@ -72,17 +77,21 @@ bool DelegateHooks::forward(MethodBody body, ObjectRef delegate, ObjectRef sende
     if (place == all.size()) return false;
     const auto& selectors = selectors_[place];
     Call call{body, delegate, sender, item, {}, {}, innermost};
-    const auto* same = innermost;
-    while (same && !call.isSame(*same)) same = same->outer;
+    const auto* told = innermost; // the call that brought this one about
+    while (told && !call.tellsTheSame(*told)) told = told->outer;
+    const auto* below =
+        told && told->delegate == delegate && (call.depth > deepest || isInterceptedAbove(place, told->level))
+            ? told
+            : nullptr; // the call whose handling calls its superclass's
 
     auto& runtime = platform_.runtime;
-    auto level = same ? runtime.class_getSuperclass(same->level) : runtime.object_getClass(delegate);
+    auto level = below ? runtime.class_getSuperclass(below->level) : runtime.object_getClass(delegate);
     for (; (level = interception_.definingClass(level, selectors.renamed));
          level = runtime.class_getSuperclass(level)) {
         call.level = level;
         call.implementation =
             runtime.method_getImplementation(runtime.class_getInstanceMethod(level, selectors.renamed));
-        if (!same || call.implementation != same->implementation) break; // a copy for a subclass has run already
+        if (!below || call.implementation != below->implementation) break; // a copy for a subclass has run already
     }
 
     const std::array<ObjectRef, 2> objects{sender, item};
@@ -90,19 +99,32 @@ bool DelegateHooks::forward(MethodBody body, ObjectRef delegate, ObjectRef sende
     const UnderWay underWay(call);
     if (level) // under the name that it was written for
         platform_.messages.call(call.implementation, delegate, selectors.original, arguments);
-    else if (!same && passesOn(place, delegate))
+    else if (!below && passesOn(delegate) && platform_.messages.respondsToSelector(delegate, selectors.original))
         platform_.messages.forwardInvocation(delegate, selectors.original, arguments);
-    return !same;
+    return !told;
 }
 
-bool DelegateHooks::passesOn(std::size_t place, ObjectRef delegate) const {
-    const bool isKnown = passingOn_.read([&](const auto& classes) {
-        return !classes.empty()
-               && anyClassOf(platform_.runtime, platform_.runtime.object_getClass(delegate), [&](ClassRef one) {
-                      return classes.contains({one, all[place].body});
-                  });
-    });
-    return isKnown && platform_.messages.respondsToSelector(delegate, selectors_[place].original);
+bool DelegateHooks::isInterceptedAbove(std::size_t place, ClassRef level) const {
+    const auto& selectors = selectors_[place];
+    const auto writtenFor = interception_.definingClass(level, selectors.original);
+    const auto above = platform_.runtime.class_getSuperclass(writtenFor);
+    return platform_.runtime.class_getInstanceMethod(above, selectors.renamed)
+           || wasAdded(place, interception_.definingClass(above, selectors.original));
+}
+
+bool DelegateHooks::wasAdded(std::size_t place, ClassRef toClass) const {
+    return added_.read([&](const auto& classes) { return classes.contains({toClass, all[place].body}); });
+}
+
+bool DelegateHooks::passesOn(ObjectRef delegate) const {
+    auto& runtime = platform_.runtime;
+    const auto root = runtime.objc_getClass("NSObject");
+    const auto overrides = [&](Message message) {
+        const auto selector = platform_.vocabulary.selector(message);
+        return runtime.class_getInstanceMethod(runtime.object_getClass(delegate), selector)
+               != runtime.class_getInstanceMethod(root, selector);
+    };
+    return overrides(Message::forwardInvocation) || overrides(Message::forwardingTargetForSelector);
 }
 
 } // namespace tallyfoot

@@ -51,9 +51,9 @@ public:
     // What the delegate's class can be told is told to the library first from now on.
     void intercept(MethodBody setter, ObjectRef self, ObjectRef delegate);
 
-    // To the host's implementation, if there is one. False if this is no call of the platform's but one
-    // that the host's implementation makes to its superclass's, which is under way already: it goes to
-    // the superclass and is recorded by the call that it belongs to.
+    // To the host's implementation, if there is one, or to the object that the delegate passes messages
+    // on to. False if a handling under way has brought this call about, which is recorded for both: it has
+    // called its superclass's, where this one goes then, or told another delegate, or had itself told again.
     bool forward(MethodBody body, ObjectRef delegate, ObjectRef sender, ObjectRef item);
 
 private:
@@ -64,13 +64,16 @@ private:
     };
 
     void intercept(std::size_t place, ObjectRef delegate, ClassRef delegateClass);
-    bool passesOn(std::size_t place, ObjectRef delegate) const;
+    bool wasAdded(std::size_t place, ClassRef toClass) const;
+    // Whether what was written for the class comes back to the library when it calls its superclass's.
+    bool isInterceptedAbove(std::size_t place, ClassRef level) const;
+    // Whether its class passes on messages that it has no method for, as proxies do.
+    bool passesOn(ObjectRef delegate) const;
 
     const CapturePlatform& platform_;
     const Interception interception_;
-    std::array<Selectors, all.size()> selectors_; // a place for each callback
-    // Classes that have no such method but pass the message on to another object, as proxies do.
-    Exclusive<std::set<std::pair<ClassRef, MethodBody>>> passingOn_;
+    std::array<Selectors, all.size()> selectors_;                // a place for each callback
+    Exclusive<std::set<std::pair<ClassRef, MethodBody>>> added_; // to classes that had no such method
 };
 
 } // namespace tallyfoot

@@ -18,6 +18,7 @@ enum class Message {
     description,
     direction,
     forwardInvocation,
+    forwardingTargetForSelector,
     indexPathForRowAtPoint,
     isActive,
     isContinuous,
@@ -39,7 +40,7 @@ enum class Message {
     view
 };
 
-inline constexpr std::array<const char*, 28> messageSelectors{"cellForItemAtIndexPath:",
+inline constexpr std::array<const char*, 29> messageSelectors{"cellForItemAtIndexPath:",
                                                               "cellForRowAtIndexPath:",
                                                               "currentPage",
                                                               "currentTitle",
@@ -48,6 +49,7 @@ inline constexpr std::array<const char*, 28> messageSelectors{"cellForItemAtInde
                                                               "description",
                                                               "direction",
                                                               "forwardInvocation:",
+                                                              "forwardingTargetForSelector:",
                                                               "indexPathForRowAtPoint:",
                                                               "isActive",
                                                               "isContinuous",

@@ -43,8 +43,9 @@ public:
     virtual void objc_msgSend(ObjectRef, SelectorRef, std::span<const ObjectRef> arguments) = 0;
     // The same, with this implementation instead of the one that the receiver's class has.
     virtual void call(ImplementationRef, ObjectRef, SelectorRef, std::span<const ObjectRef> arguments) = 0;
-    // Through the receiver's forwardInvocation:, with a signature of so many objects, whatever signature the
-    // receiver's class has for it.
+    // As if the receiver's class did not have the method: to the object that it names
+    // (forwardingTargetForSelector:), else through its forwardInvocation:, with a signature of so many objects,
+    // whatever signature the class has for it. Nothing where the receiver says that it does not recognize it.
     virtual void forwardInvocation(ObjectRef, SelectorRef, std::span<const ObjectRef> arguments) = 0;
     virtual bool respondsToSelector(ObjectRef, SelectorRef) = 0; // asked of the object, which may know better
     virtual void addTarget(ObjectRef recognizer, ObjectRef target, SelectorRef action) = 0; // addTarget:action:

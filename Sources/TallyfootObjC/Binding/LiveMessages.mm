@@ -67,6 +67,16 @@ id answer(id object, SEL selector, const MethodTypes& types) {
     return isObject(types.result()) ? send<id>(object, selector) : nil;
 }
 
+// What an object raises at a message that it does not recognize; each platform has its own wording.
+bool isAboutUnrecognized(NSException* exception, id object, SEL selector) {
+    if (![[exception name] isEqual:NSInvalidArgumentException]) return false;
+    const auto contains = [reason = [exception reason]](NSString* part) {
+        return reason != nil && [reason rangeOfString:part].location != NSNotFound;
+    };
+    return contains(@"recogniz") && contains(NSStringFromSelector(selector))
+           && contains(NSStringFromClass([object class]));
+}
+
 void callWithObjects(IMP implementation, id object, SEL selector, std::span<const ObjectRef> arguments) {
     const auto at = [&](std::size_t index) { return live(arguments[index]); };
     switch (arguments.size()) {
@@ -193,17 +203,28 @@ void LiveMessages::call(ImplementationRef implementation, ObjectRef object, Sele
 
 void LiveMessages::forwardInvocation(ObjectRef object, SelectorRef selector, std::span<const ObjectRef> arguments) {
     if (!object || !selector) return;
+    id const receiver = live(object);
+    id const named = [receiver respondsToSelector:@selector(forwardingTargetForSelector:)]
+                         ? [receiver forwardingTargetForSelector:live(selector)]
+                         : nil;
+    if (named != nil && named != receiver)
+        return callWithObjects(messenger(named, live(selector)), named, live(selector), arguments);
+
     const std::string types = "v@:" + std::string(arguments.size(), '@');
     NSInvocation* invocation =
         [NSInvocation invocationWithMethodSignature:[NSMethodSignature signatureWithObjCTypes:types.c_str()]];
-    [invocation setTarget:live(object)];
+    [invocation setTarget:receiver];
     [invocation setSelector:live(selector)];
     NSInteger index = 2;
     for (const auto argument : arguments) {
         id passed = live(argument);
         [invocation setArgument:&passed atIndex:index++];
     }
-    [live(object) forwardInvocation:invocation];
+    @try {
+        [receiver forwardInvocation:invocation];
+    } @catch (NSException* exception) {
+        if (!isAboutUnrecognized(exception, receiver, live(selector))) @throw;
+    }
 }
 
 bool LiveMessages::respondsToSelector(ObjectRef object, SelectorRef selector) {
