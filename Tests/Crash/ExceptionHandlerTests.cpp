@@ -29,6 +29,7 @@ public:
         order.emplace_back(0);
         exceptionHook = hook;
     }
+    void connect(const ExceptionRuntime&) override {}
     void signal(int number, SignalHook hook) override {
         order.push_back(number);
         signalHook = hook;

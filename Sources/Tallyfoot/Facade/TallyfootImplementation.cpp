@@ -1,6 +1,7 @@
 #include "Tallyfoot/Facade/TallyfootImplementation.h"
 
 #include "Tallyfoot/Facade/CaptureConnection.h"
+#include "Tallyfoot/Facade/CrashConnection.h"
 #include "Tallyfoot/Recording/EventRecorder.h"
 
 #include <utility>
@@ -29,8 +30,10 @@ Tallyfoot::Implementation::Implementation()
       crashFacade_(std::make_unique<LoggedCrash>(pipeline)),
       // NOLINTNEXTLINE(bugprone-throw-keyword-missing): a handler of exceptions, none itself
       exceptionHandler_(defaultPlatformServices(), crashContext, *crashFacade_) {
-    setSeams({.installInterceptions = installConnectedCapture,
-              .installCrashHooks = [this] { exceptionHandler_.install(); }});
+    setSeams({.installInterceptions = installConnectedCapture, .installCrashHooks = [this] {
+                  connectExceptionsTo(*defaultPlatformServices().crashHooks);
+                  exceptionHandler_.install();
+              }});
 }
 
 void Tallyfoot::Implementation::setSeams(Seams seams) { seams_.exchange(std::move(seams)); }

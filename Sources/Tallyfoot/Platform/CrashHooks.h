@@ -21,7 +21,18 @@ public:
 
     virtual ~CrashHooks() = default;
 
+    // Another language's way of throwing, whose uncaught exceptions C++ does not hear of or cannot name.
+    struct ExceptionRuntime {
+        // Has the hook called with the reason of every exception that nobody catches, or with "" where it
+        // has none; then the runtime ends the process as it always does. Replaces the host's handler.
+        void (*setUncaughtExceptionHandler)(ExceptionHook hook);
+        // Such an exception ends in std::terminate, whose handler is the runtime's own and must stay.
+        bool endsInTerminate;
+    };
+
     virtual void setUncaughtExceptionHandler(ExceptionHook hook) = 0;
+    // From the next setUncaughtExceptionHandler on; of the runtimes the last one counts. Any thread.
+    virtual void connect(const ExceptionRuntime& runtime) = 0;
     virtual void signal(int number, SignalHook hook) = 0;
 
     // Ends a signal hook: what is kept is kept. Runs the process's exit handlers; should these crash or

@@ -1,5 +1,6 @@
 #include "TallyfootObjC/Binding/Binding.h"
 #include "TallyfootObjC/Binding/ClassLoading.h"
+#include "TallyfootObjC/Binding/UncaughtExceptions.h"
 #include "TallyfootObjC/Face/LastObject.h"
 #include "TallyfootObjC/Face/Records.h"
 #include "TallyfootObjC/Support/Blocks.h"
@@ -67,6 +68,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 
 + (void)load {
     prepareWithClasses();
+    connectUncaughtExceptions();
 }
 
 + (void)initialize {

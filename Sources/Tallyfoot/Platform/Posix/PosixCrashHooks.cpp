@@ -25,6 +25,7 @@ constexpr int mostSignals = 65;
 // may be allocated when it is first touched.
 constinit std::atomic<CrashHooks::ExceptionHook> exceptionHook{nullptr};
 constinit std::array<std::atomic<CrashHooks::SignalHook>, mostSignals> signalHooks{};
+constinit std::atomic<const CrashHooks::ExceptionRuntime*> exceptionRuntime{nullptr};
 constinit std::atomic<pid_t> owner{0}; // the process that installed
 constinit std::atomic<pid_t> crashingThread{0};
 constinit std::atomic<pid_t> reasoningThread{0}; // asks an exception for its reason
@@ -119,6 +120,10 @@ void keep(std::string_view reason) noexcept {
     unblock(SIGALRM);
 }
 
+void onExceptionOfRuntime(std::string_view reason) noexcept {
+    if (isOurProcess()) keep(reason);
+}
+
 // The runtime's own message. A handler of the host's is never called: ours replaces it.
 [[noreturn]] void endAsUsual() {
 #ifdef __GLIBCXX__
@@ -151,8 +156,12 @@ void keep(std::string_view reason) noexcept {
 void PosixCrashHooks::setUncaughtExceptionHandler(ExceptionHook hook) {
     owner.store(::getpid());
     exceptionHook.store(hook);
-    std::set_terminate(onTerminate);
+    const auto* const runtime = exceptionRuntime.load();
+    if (runtime == nullptr || !runtime->endsInTerminate) std::set_terminate(onTerminate);
+    if (runtime != nullptr) runtime->setUncaughtExceptionHandler(onExceptionOfRuntime);
 }
+
+void PosixCrashHooks::connect(const ExceptionRuntime& runtime) { exceptionRuntime.store(&runtime); }
 
 void PosixCrashHooks::signal(int number, SignalHook hook) {
     owner.store(::getpid());

@@ -12,6 +12,7 @@ namespace tallyfoot {
 class PosixCrashHooks final : public CrashHooks {
 public:
     void setUncaughtExceptionHandler(ExceptionHook hook) override;
+    void connect(const ExceptionRuntime& runtime) override; // which stays the caller's, and stays
     void signal(int number, SignalHook hook) override;
     [[noreturn]] void exit(int status) noexcept override;
     void prepareThread() noexcept override;
