@@ -30,8 +30,8 @@ test: ## build with g++ and run all tests
 	@cmake --build --preset release
 	@ctest --preset release --parallel $(JOBS)
 
-.PHONY: check check-format check-layering check-warnings check-tidy
-check: check-format check-layering check-warnings check-tidy ## formatting, layering, warnings as errors with both compilers, clang-tidy
+.PHONY: check check-format check-layering check-warnings check-signals check-tidy
+check: check-format check-layering check-warnings check-signals check-tidy ## formatting, layering, warnings as errors with both compilers, signal safety, clang-tidy
 	@echo "All checks passed."
 
 check-format:
@@ -49,6 +49,11 @@ check-warnings:
 	$(call configured,clang)
 	@cmake --build --preset clang
 	@cmake --build --preset clang --target all_verify_interface_header_sets
+
+check-signals:
+	@Scripts/install-dependencies build test objc
+	$(call configured,release)
+	@Scripts/check-signal-safety build/release
 
 check-tidy:
 	@Scripts/install-dependencies build test objc check
