@@ -57,6 +57,8 @@ TEST_F(TextContainerSubviewsTest, WhatASecureFieldHoldsIsNeverRead) {
     const auto password = host_.make("UITextField", {{"text", std::string("secret")}, {"isSecureTextEntry", true}});
     EXPECT_EQ(text(view({password})), "");
     EXPECT_EQ(text(view({password, label("Password")})), "Password");
+    host_.runtime.answer(password, "subviews", host_.runtime.makeArray({label("secret")}));
+    EXPECT_EQ(text(view({password})), "") << "nor what it shows that in";
 }
 
 TEST_F(TextContainerSubviewsTest, ACircleEnds) {

@@ -8,9 +8,10 @@ std::optional<TextContainer> TextContainer::of(const PlatformObject& view) {
         const std::string_view name = runtime.class_getName(one);
         return name == "UILabel" || name == "UITextField";
     });
-    if (!bearsText || view.truth(Message::isSecureTextEntry)) return std::nullopt;
-    return TextContainer(view);
+    return bearsText ? std::optional(TextContainer(view)) : std::nullopt;
 }
+
+bool TextContainer::isSecure() const { return view_.truth(Message::isSecureTextEntry); }
 
 std::string TextContainer::text() const { return view_.text(Message::text).value_or(std::string()); }
 

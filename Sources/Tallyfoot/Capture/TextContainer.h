@@ -7,12 +7,13 @@
 
 namespace tallyfoot {
 
-// A view that bears a text of its own: a label or a text field, but none that hides what is typed.
+// A view that bears a text of its own: a label or a text field.
 class TextContainer {
 public:
     // Nothing for any other view.
     static std::optional<TextContainer> of(const PlatformObject& view);
 
+    bool isSecure() const;    // hides what is typed: neither its text nor what it contains is to be read
     std::string text() const; // "" where it has none
 
 private:

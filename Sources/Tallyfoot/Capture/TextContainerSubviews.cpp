@@ -12,7 +12,10 @@ public:
     // Whether it goes no further: a text was found, or enough views were looked at.
     bool ends(const PlatformObject& view, int depth) {
         if (--viewsLeft_ < 0) return true;
-        if (const auto container = TextContainer::of(view)) found = container->text();
+        if (const auto container = TextContainer::of(view)) {
+            if (container->isSecure()) return false;
+            found = container->text();
+        }
         return !found.empty() || endsBelow(view, depth);
     }
 
