@@ -114,6 +114,7 @@ TEST_F(GesturesTest, ASwipeTellsItsDirection) {
                                                                              {8, "Down"},
                                                                              {3, "Unknown 3"},
                                                                              {0, "Unknown 0"},
+                                                                             {-1, "Unknown 18446744073709551615"},
                                                                              {15, "Unknown 15"}}) {
         host_.runtime.answer(swipe, "direction", direction);
         EXPECT_EQ(only(swipe).action(), "Swipe Gesture " + text);
@@ -237,6 +238,18 @@ TEST_F(GesturesTest, AScrollViewsOwnPanIsIgnored) {
     const auto pan = host_.makeRecognizer("UIScrollViewPanGestureRecognizer", host_.make("UIScrollView"));
     setState(pan, 3);
     EXPECT_FALSE(isRecorded(pan));
+}
+
+TEST_F(GesturesTest, NoRecognizerOnASwitchOrASearchBarIsRecorded) {
+    for (const auto* view : {"UISwitch", "UISearchBar"}) {
+        for (const auto* className :
+             {"UISwipeGestureRecognizer", "UIPinchGestureRecognizer", "UILongPressGestureRecognizer",
+              "UITapGestureRecognizer", "UIPanGestureRecognizer"}) {
+            const auto recognizer = host_.makeRecognizer(className, host_.make(view));
+            setState(recognizer, 3);
+            EXPECT_FALSE(isRecorded(recognizer)) << className << " on a " << view;
+        }
+    }
 }
 
 TEST_F(GesturesTest, TapsAndLongPressesOnAWebPageAreIgnored) {

@@ -29,7 +29,7 @@ std::string directionText(std::int64_t direction) {
     case 2: return "Left";
     case 4: return "Up";
     case 8: return "Down";
-    default: return "Unknown " + std::to_string(direction);
+    default: return "Unknown " + std::to_string(static_cast<std::uint64_t>(direction)); // a mask, without a sign
     }
 }
 
