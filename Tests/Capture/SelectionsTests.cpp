@@ -264,5 +264,30 @@ TEST_F(SelectionsTest, ACustomTitleIsTheCategoryAndMayBeIgnored) {
     EXPECT_EQ(host_.events.at(0).category(), "Scroll");
 }
 
+TEST_F(SelectionsTest, EachMemberIsIgnoredByItsOwnCategory) {
+    const auto collection = collectionWith(cell("Plums", "UICollectionViewCell"));
+    const auto tabBar = host_.make("UITabBar");
+    const auto searchBar = host_.make("UISearchBar");
+    const auto controller = host_.make("UISearchController", {{"searchBar", searchBar}, {"isActive", true}});
+    host_.setDelegate(tabBar, delegate_);
+    host_.setDelegate(searchBar, delegate_);
+    host_.setDelegate(controller, delegate_, "setSearchResultsUpdater:");
+    const std::vector<std::tuple<const char*, const char*, ObjectRef, ObjectRef>> members{
+        {"UITableView", "tableView:didSelectRowAtIndexPath:", tableWith(cell("Pears")), indexPath_},
+        {"UICollectionView", "collectionView:didSelectItemAtIndexPath:", collection, indexPath_},
+        {"UITabBar", "tabBar:didSelectItem:", tabBar, host_.make("UITabBarItem")},
+        {"UISearchBar", "searchBarSearchButtonClicked:", searchBar, {}},
+        {"UISearchBar", "updateSearchResultsForSearchController:", controller, {}},
+        {"UIScrollView", "scrollViewDidEndDecelerating:", collection, {}}};
+    for (const auto& [category, callback, sender, item] : members) {
+        host_.facade.ignored = {"UISearchController", "UIViewController"};
+        tell(callback, sender, item);
+        EXPECT_THAT(host_.events, SizeIs(1)) << callback;
+        host_.facade.ignored = {category};
+        tell(callback, sender, item);
+        EXPECT_THAT(host_.events, IsEmpty()) << callback;
+    }
+}
+
 } // namespace
 } // namespace tallyfoot::testing
