@@ -65,7 +65,7 @@ format: ## lay out all sources the one way
 	@Scripts/install-dependencies test check
 	@Scripts/check-format --fix
 
-.PHONY: test-asan test-tsan
+.PHONY: test-asan test-tsan test-valgrind
 test-asan: ## all tests under AddressSanitizer and UndefinedBehaviorSanitizer
 	@Scripts/install-dependencies build test objc sanitize
 	$(call configured,asan)
@@ -77,6 +77,12 @@ test-tsan: ## all tests under ThreadSanitizer
 	$(call configured,tsan)
 	@$(FIXED_LAYOUT) cmake --build --preset tsan
 	@$(FIXED_LAYOUT) ctest --preset tsan --parallel $(JOBS)
+
+test-valgrind: ## ten thousand interactions in Objective-C under valgrind
+	@Scripts/install-dependencies build test objc sanitize
+	$(call configured,release)
+	@cmake --build --preset release --target ObjCTests
+	@Scripts/run-valgrind build/release
 
 .PHONY: bench
 bench: ## the ratios that the library promises, measured here

@@ -28,7 +28,23 @@
 using nlohmann::json;
 using tallyfoot::testing::ObjCHost;
 
+extern "C" void __lsan_disable() __attribute__((weak));
+extern "C" void __lsan_enable() __attribute__((weak));
+
+namespace {
+
+// Foundation reads the user's settings once and does not give back all that it needs for that. Only this
+// is kept from whoever looks for leaks: not what Foundation makes for us.
+void letFoundationReadItsSettings() {
+    if (__lsan_disable) __lsan_disable();
+    [NSUserDefaults standardUserDefaults];
+    if (__lsan_enable) __lsan_enable();
+}
+
+} // namespace
+
 ObjCHost::ObjCHost() {
+    letFoundationReadItsSettings();
     ::setenv("XDG_DATA_HOME", (root_ / "data").c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", (root_ / "config").c_str(), 1);
     Tallyfoot.showOutput = NO;

@@ -233,8 +233,9 @@ TEST_F(ObjCTallyfoot, IsFatalWithoutCredentials) {
 
 TEST_F(ObjCTallyfoot, LogsFromThreadsThatFoundationDoesNotKnow) {
     start();
-    std::async(std::launch::async, [] {
-        [Tallyfoot logEvent:EventTypeAction attributes:@{@"pgName" : @"Basket"} customAttributes:nil];
+    NSDictionary* attributes = @{@"pgName" : @"Basket"}; // there is no pool on that thread
+    std::async(std::launch::async, [attributes] {
+        [Tallyfoot logEvent:EventTypeAction attributes:attributes customAttributes:nil];
     }).get();
     EXPECT_THAT(records(), SizeIs(1));
 }
