@@ -1,4 +1,3 @@
-#import "Finger.h"
 #import "ShopApp.h"
 #import "ShopUser.h"
 #import "Visitor.h"
@@ -13,11 +12,12 @@
 // A shop and somebody who walks through it. It is told what to do by lines of JSON on standard input,
 // and tells what the walk must have given by lines on standard output:
 //   {"log": 500, "pauseMicroseconds": 100}    {"logged": 500} after each touch, {"done": "log"} at the end
+//   {"crash": true}           what was performed, as at the end; then {"crashing": "…"}, the reason, and it does
 //   {"nextUser": "user-2"}    the next time the shop is asked who is logged on it says {"asked": true}
 //   {"changeUser": true}      … and waits for this; {"userChanged": 500} says how much was logged by then
 // At the end of its input it tells what was performed, kind by kind, and ends.
 //
-//   tallyfoot-shop --url U --events-count N --application A --output FILE [--seed N]
+//   tallyfoot-shop --url U --events-count N --application A --output FILE [--user U] [--seed N]
 
 static NSString* option(NSString* name, NSString* otherwise) {
     NSArray* arguments = [[NSProcessInfo processInfo] arguments];
@@ -37,11 +37,23 @@ static int takeStandardOutput(NSString* file) {
     return books;
 }
 
+// As a mistake of the app's makes it: nobody catches the exception. What the system says of it is no error of the
+// demo's.
+static void crash(Ledger* ledger) {
+    NSString* reason = @"The basket \"Weekend\" fell over";
+    [ledger tell:@{@"crashing" : reason}];
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+    [NSException raise:@"ShopException" format:@"%@", reason];
+}
+
 static void obey(NSDictionary* order, ShopUser* user, Visitor* visitor, Ledger* ledger) {
     if ([order objectForKey:@"log"]) {
         [user walkForRecords:[[order objectForKey:@"log"] integerValue]
             pauseMicroseconds:[[order objectForKey:@"pauseMicroseconds"] unsignedIntValue]];
         [ledger tell:@{@"done" : @"log"}];
+    } else if ([order objectForKey:@"crash"]) {
+        [ledger tellKindsAfter:[user secondsWalked]];
+        crash(ledger);
     } else if ([order objectForKey:@"nextUser"]) {
         [visitor becomeNext:[order objectForKey:@"nextUser"]];
     } else if ([order objectForKey:@"changeUser"]) {
@@ -52,7 +64,7 @@ static void obey(NSDictionary* order, ShopUser* user, Visitor* visitor, Ledger* 
 int main(void) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     Ledger* ledger = [[Ledger alloc] initWithDescriptor:takeStandardOutput(option(@"--output", @"/dev/null"))];
-    Visitor* visitor = [[Visitor alloc] initWithLedger:ledger];
+    Visitor* visitor = [[Visitor alloc] initWithLedger:ledger name:option(@"--user", @"user-1")];
     NSInteger eventsCount = [option(@"--events-count", @"100") integerValue];
 
     Tallyfoot.environment.uploadPath = option(@"--url", @"");
@@ -74,7 +86,6 @@ int main(void) {
     ShopUser* user = [[ShopUser alloc] initWithWindow:app.window
                                                ledger:ledger
                                                  seed:(uint64_t)[option(@"--seed", @"1") longLongValue]];
-    NSTimeInterval start = [Finger now];
     [ledger tell:@{@"done" : @"start"}];
 
     char* line = NULL;
@@ -87,7 +98,7 @@ int main(void) {
         }
     }
     free(line);
-    [ledger tellKindsAfter:[Finger now] - start];
+    [ledger tellKindsAfter:[user secondsWalked]];
     [user release];
     [app release];
     [visitor release];

@@ -95,6 +95,17 @@ ChildProcess::ChildProcess(ChildProcess&& other) noexcept
       output_(std::exchange(other.output_, -1)), pending_(std::move(other.pending_)), outputEnded_(other.outputEnded_),
       status_(other.status_) {}
 
+ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
+    ChildProcess taken(std::move(other));
+    std::swap(identifier_, taken.identifier_);
+    std::swap(input_, taken.input_);
+    std::swap(output_, taken.output_);
+    std::swap(pending_, taken.pending_);
+    std::swap(outputEnded_, taken.outputEnded_);
+    std::swap(status_, taken.status_);
+    return *this;
+}
+
 ChildProcess::~ChildProcess() {
     closeInput();
     if (output_ >= 0) ::close(output_);

@@ -23,7 +23,7 @@ public:
                                       const std::map<std::string, std::string>& variables = {});
     ~ChildProcess(); // kills what still runs
     ChildProcess(ChildProcess&& other) noexcept;
-    ChildProcess& operator=(ChildProcess&&) = delete;
+    ChildProcess& operator=(ChildProcess&& other) noexcept; // kills what this one was
 
     pid_t identifier() const noexcept { return identifier_; }
 

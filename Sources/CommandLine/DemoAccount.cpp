@@ -37,6 +37,9 @@ DemoAccount::DemoAccount(const DemoEvidence& evidence, const json& events, const
     countDisk(evidence, uploads);
     findMissing(evidence);
     explainDuplicates(uploads);
+    if (evidence.crash && crashesTold_ != 1) {
+        error("the crash \"" + evidence.crash->reason + "\" was told " + std::to_string(crashesTold_) + " times");
+    }
     if (!isBalanced()) {
         error("the books do not balance: " + std::to_string(logged_) + " logged, but "
               + std::to_string(confirmed_ + onDisk_ + discarded_) + " confirmed, on disk or discarded by rule");
@@ -56,9 +59,19 @@ void DemoAccount::readEvents(const DemoEvidence& evidence, const json& events) {
             error(event(number) + " arrived with another label");
         } else if (item.at("accepted").get<bool>()) {
             accepted_[number].push_back(item.at("upload").get<std::int64_t>());
+            if (evidence.crash && item.at("evtId") == evidence.crash->identifier) readCrash(*evidence.crash, item);
         }
     }
     confirmed_ = static_cast<std::int64_t>(accepted_.size());
+}
+
+void DemoAccount::readCrash(const DemoCrash& crash, const json& item) {
+    ++crashesTold_;
+    const auto& record = item.at("record");
+    const bool isTheSame = record.value("evtType", std::string()) == "crash"
+                           && record.value("evtCategory", std::string()) == "crash"
+                           && record.value("crashreason", std::string()) == crash.reason;
+    if (!isTheSame) error("the crash \"" + crash.reason + "\" arrived as another event: " + record.dump());
 }
 
 // Nothing that the former user did may go out under the new user's name.
@@ -80,6 +93,8 @@ void DemoAccount::countDisk(const DemoEvidence& evidence, const json& uploads) {
         if (number < 1 || number > logged_) error("an event is on disk that nobody logged");
         if (times > 1) error(event(number) + " is on disk " + std::to_string(times) + " times");
         const auto confirmed = accepted_.find(number);
+        if (evidence.crash && confirmed == accepted_.end() && number == evidence.number(evidence.crash->identifier))
+            crashesTold_ += times;
         if (confirmed == accepted_.end()) {
             ++onDisk_;
         } else if (wasAnswered(uploads, confirmed->second.back())) {

@@ -49,6 +49,12 @@ void printTable(const DemoAccount& account) {
     row("logged", account.logged(), account.isBalanced() ? "the same" : "NOT THE SAME");
 }
 
+void printCrash(const DemoCrash& crash, std::int64_t told) {
+    std::cout << '\n';
+    row("crashes on purpose", 1, "\"" + crash.reason + "\"");
+    row("told by the next start", told, told == 1 ? "once" : "NOT ONCE");
+}
+
 void printKind(const std::string& kind, const std::vector<std::string>& cells, const std::string& remark = {}) {
     std::cout << "  " << std::left << std::setw(36) << kind << std::right;
     for (const auto& cell : cells) std::cout << std::setw(11) << cell;
@@ -144,6 +150,7 @@ int DemoCommand::settle(DemoSession& session, bool wasPlayed) const {
     const auto kinds = session.kinds();
     if (kinds) printKinds(*kinds, session.secondsWalked());
     printTable(account);
+    if (session.crash()) printCrash(*session.crash(), account.crashesTold());
     list("Came twice", account.duplicates());
     list("Files left", fileLines(session.disk()));
     auto errors = account.errors();

@@ -3,9 +3,11 @@
 #include <Tallyfoot/Tallyfoot.h>
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <condition_variable>
+#include <cstdlib>
 #include <iostream>
 #include <mutex>
 #include <optional>
@@ -59,7 +61,7 @@ void switchTo(const std::string& application) {
 
 // Who is logged on. The library asks on whatever thread needs to know.
 struct DemoHost::User {
-    explicit User(DemoLedger& books) : ledger(books) {}
+    User(DemoLedger& books, std::string first) : ledger(books), name(std::move(first)) {}
 
     std::shared_ptr<Authentication> authentication() {
         std::unique_lock lock(mutex);
@@ -76,14 +78,15 @@ struct DemoHost::User {
     DemoLedger& ledger;
     std::mutex mutex;
     std::condition_variable mayChange;
-    std::string name = "user-1";
+    std::string name;
     std::optional<std::string> next;
     bool changes = false;
     int asked = 0;
 };
 
 DemoHost::DemoHost(const DemoHostOptions& options)
-    : options_(options), ledger_(takeStandardOutput(options.outputFile)), user_(std::make_shared<User>(ledger_)) {}
+    : options_(options), ledger_(takeStandardOutput(options.outputFile), options.begun),
+      user_(std::make_shared<User>(ledger_, options.user)) {}
 
 DemoHost::~DemoHost() = default;
 
@@ -108,6 +111,8 @@ void DemoHost::obey(const std::string& line) {
         log(order.at("log"), order.value("pauseMicroseconds", std::int64_t{0}),
             order.value("application", std::string()));
         ledger_.tell(R"({"done":"log"})");
+    } else if (order.contains("crash")) {
+        crash();
     } else if (order.contains("nextUser")) {
         const std::lock_guard lock(user_->mutex);
         user_->next = order.at("nextUser").get<std::string>();
@@ -118,6 +123,14 @@ void DemoHost::obey(const std::string& line) {
         }
         user_->mayChange.notify_all();
     }
+}
+
+// A write where nothing may be written.
+void DemoHost::crash() {
+    ledger_.tell(R"({"crashing":"SIGSEGV"})");
+    void* memory = ::mmap(nullptr, 1, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    *static_cast<volatile char*>(memory) = 1;
+    std::abort(); // not reached
 }
 
 void DemoHost::log(std::int64_t count, std::int64_t pauseMicroseconds, const std::string& application) {

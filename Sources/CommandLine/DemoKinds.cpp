@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace tallyfoot::commandline {
 
 namespace {
@@ -26,6 +28,28 @@ DemoKinds::DemoKinds(const json& kinds, const DemoTrace& trace, const DemoEviden
     for (const auto& row : rows_) {
         if (!row.isBalanced()) error(row.kind + ": the books do not balance");
     }
+}
+
+json DemoKinds::together(json former, const json& later) {
+    for (const auto& kind : later) {
+        const auto same = std::find_if(former.begin(), former.end(),
+                                       [&](const json& other) { return other.at("kind") == kind.at("kind"); });
+        if (same == former.end()) {
+            former.push_back(kind);
+            continue;
+        }
+        same->at("performed") = same->at("performed").get<std::int64_t>() + kind.at("performed").get<std::int64_t>();
+        if (!kind.contains("labels")) continue;
+        auto& labels = same->at("labels");
+        for (const auto& [label, due] : kind.at("labels").items())
+            labels[label] = labels.value(label, std::int64_t{0}) + due.get<std::int64_t>();
+    }
+    return former;
+}
+
+json DemoKinds::crash() {
+    return {{"kind", "crashes on purpose"}, {"performed", 1}, {"type", "crash"},
+            {"category", "crash"},          {"action", ""},   {"labels", {{"", 1}}}};
 }
 
 void DemoKinds::error(const std::string& text) {

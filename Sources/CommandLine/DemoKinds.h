@@ -33,6 +33,11 @@ public:
     DemoKinds(const nlohmann::json& kinds, const DemoTrace& trace, const DemoEvidence& evidence,
               const nlohmann::json& events);
 
+    // The list of a host and that of the one that was started after it.
+    static nlohmann::json together(nlohmann::json former, const nlohmann::json& later);
+    // The row of the crash that a host was told to end with; what tells it is a record like any other.
+    static nlohmann::json crash();
+
     const std::vector<Row>& rows() const { return rows_; }
     const std::vector<std::string>& errors() const { return errors_; }
 

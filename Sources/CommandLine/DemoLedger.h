@@ -12,9 +12,9 @@ namespace tallyfoot::commandline {
 // event is logged: what was begun before some moment is known exactly. Any thread.
 class DemoLedger {
 public:
-    explicit DemoLedger(int descriptor) : descriptor_(descriptor) {}
+    explicit DemoLedger(int descriptor, std::int64_t begun = 0) : descriptor_(descriptor), begun_(begun) {}
 
-    std::int64_t begin();            // the next event's number, from 1
+    std::int64_t begin();            // the next event's number, from 1, or behind those of a former start
     void logged(std::int64_t count); // so many calls have returned; told at once
     void tell(std::string_view line);
     // A line with the number of events begun so far, under that name.
@@ -29,7 +29,7 @@ private:
 
     Mutex mutex_;
     int descriptor_;
-    std::int64_t begun_ TALLYFOOT_GUARDED_BY(mutex_) = 0;
+    std::int64_t begun_ TALLYFOOT_GUARDED_BY(mutex_);
     std::int64_t logged_ TALLYFOOT_GUARDED_BY(mutex_) = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "CommandLine/DemoSession.h"
 
+#include <csignal>
 #include <fstream>
 #include <stdexcept>
 #include <vector>
@@ -13,9 +14,11 @@ using nlohmann::json;
 constexpr std::chrono::seconds patience{30};    // without anything new
 constexpr std::chrono::milliseconds glance{40}; // between two looks
 constexpr std::int64_t leftOnDisk = 7;
+constexpr std::int64_t leftAtCrash = 11;
 constexpr std::int64_t loggedWhileAsked = 9;
 constexpr const char* firstApplication = "Demo Shop";
 constexpr const char* secondApplication = "Demo Outlet";
+constexpr const char* firstUser = "user-1";
 constexpr const char* secondUser = "user-2";
 constexpr const char* hostOutput = "host-output.txt";
 
@@ -40,8 +43,8 @@ ChildProcess started(Result<ChildProcess> process) {
 
 DemoSession::DemoSession(const DemoOptions& options, const std::string& tool, const std::filesystem::path& folder,
                          DemoProgress& progress)
-    : options_(options), folder_(folder), progress_(progress), collector_(startCollector(tool, folder)),
-      client_(port(collector_)), host_(startHost(tool)) {}
+    : options_(options), tool_(tool), folder_(folder), progress_(progress), collector_(startCollector(tool, folder)),
+      client_(port(collector_)), host_(startHost(firstApplication, firstUser)) {}
 
 ChildProcess DemoSession::startCollector(const std::string& tool, const std::filesystem::path& folder) {
     return started(
@@ -54,14 +57,16 @@ int DemoSession::port(ChildProcess& collector) {
     return json::parse(*line).at("port").get<int>();
 }
 
-ChildProcess DemoSession::startHost(const std::string& tool) const {
+ChildProcess DemoSession::startHost(const std::string& application, const std::string& user) const {
     std::filesystem::create_directories(folder_ / "bundle");
     std::ofstream(folder_ / "bundle/Info.plist") << bundleInformation;
     const auto url = "http://127.0.0.1:" + std::to_string(client_.port()) + "/upload";
-    std::vector<std::string> arguments{tool, "demo-host", "--threads", std::to_string(options_.threads)};
-    if (isShop()) arguments = {options_.shop, "--seed", std::to_string(options_.seed)};
-    arguments.insert(arguments.end(), {"--url", url, "--events-count", std::to_string(options_.eventsCount),
-                                       "--application", firstApplication, "--output", (folder_ / hostOutput).string()});
+    std::vector<std::string> arguments{
+        tool_, "demo-host", "--threads", std::to_string(options_.threads), "--begun", std::to_string(loggedBefore_)};
+    if (isShop()) arguments = {options_.shop, "--seed", std::to_string(options_.seed + (crash_ ? 1 : 0))};
+    arguments.insert(arguments.end(),
+                     {"--url", url, "--events-count", std::to_string(options_.eventsCount), "--application",
+                      application, "--user", user, "--output", (folder_ / hostOutput).string()});
     return started(ChildProcess::start(arguments, {{"XDG_DATA_HOME", (folder_ / "data").string()},
                                                    {"XDG_CONFIG_HOME", (folder_ / "config").string()},
                                                    {"TALLYFOOT_MAIN_BUNDLE", (folder_ / "bundle").string()}}));
@@ -70,8 +75,8 @@ ChildProcess DemoSession::startHost(const std::string& tool) const {
 void DemoSession::play() {
     progress_.step("A collector and a host start, each a process of its own");
     waitUntil("the host starts", [this] { return !isHostBusy_; });
-    const auto triggers =
-        std::int64_t{5} * (options_.eventsCount + 1) + leftOnDisk + loggedWhileAsked; // of the steps without a count
+    const auto triggers = std::int64_t{5} * (options_.eventsCount + 1) + leftOnDisk + leftAtCrash
+                          + loggedWhileAsked; // of the steps without a count
     const auto share = std::max<std::int64_t>((options_.events - triggers) / 4, options_.threads);
     logFromSeveralThreads(2 * share);
     failOnce("The connection is reset in the middle of an upload",
@@ -85,6 +90,7 @@ void DemoSession::play() {
     } else {
         changeApplication(share);
     }
+    crashAndStartAgain();
     leaveSome();
     endHost();
 }
@@ -130,12 +136,53 @@ void DemoSession::changeApplication(std::int64_t count) {
     waitUntil("all uploads of both applications are confirmed", [this] { return isSettled(); });
 }
 
+// With events on disk that are not yet sent. What tells the crash is one event more.
+void DemoSession::crashAndStartAgain() {
+    progress_.step("The host crashes on purpose, with " + std::to_string(leftAtCrash) + " events not yet sent");
+    leave(leftAtCrash);
+    host_.writeLine(json{{"crash", true}}.dump());
+    listenToTheEnd();
+    crash_ = DemoCrash::waiting(folder_ / "config");
+    if (!crash_) throw std::runtime_error("the host did not keep its crash");
+    if (crash_->reason != reasonToCrash_) {
+        throw std::runtime_error("the host crashed with \"" + reasonToCrash_ + "\" and kept \"" + crash_->reason
+                                 + "\"");
+    }
+    progress_.step("The host starts again, and tells its crash");
+    loggedBefore_ = ++logged_;
+    isHostBusy_ = true;
+    isKindsTold_ = false;
+    host_ = startHost(isShop() ? firstApplication : secondApplication, secondUser);
+    waitUntil("the crash is told", [this] { return !isHostBusy_ && disk_.open == leftAtCrash + 1; });
+    if (DemoCrash::waiting(folder_ / "config")) throw std::runtime_error("the crash would be told again");
+}
+
 void DemoSession::leaveSome() {
     progress_.step("The last uploads; " + std::to_string(leftOnDisk) + " events stay for the host's next start");
-    orderLog(untilTrigger());
-    waitUntil("everything is confirmed", [this] { return isSettled() && disk_.open == 0; });
-    orderLog(leftOnDisk);
-    waitUntil("the last events are written", [this] { return isSettled() && disk_.open == leftOnDisk; });
+    leave(leftOnDisk);
+}
+
+// So many events in the file being written, and all others confirmed.
+void DemoSession::leave(std::int64_t count) {
+    const auto open = [this] { return static_cast<std::int64_t>(disk_.open); };
+    if (open() > count) {
+        orderLog(untilTrigger());
+        waitUntil("everything is confirmed", [&] { return isSettled() && open() == 0; });
+    }
+    if (open() < count) orderLog(count - open());
+    waitUntil("the last events are written", [&] { return isSettled() && open() == count; });
+}
+
+// What a host tells last must be heard before its status is asked for: it may wait to be read.
+void DemoSession::listenToTheEnd() {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!host_.hasEnded() && std::chrono::steady_clock::now() < deadline) listenToHost();
+    const auto status = host_.wait(patience);
+    if (!status) throw std::runtime_error("the host hangs in its crash");
+    // The shop ends as Foundation ends a program for an exception.
+    if (isShop() ? *status == 0 : *status != SIGSEGV) {
+        throw std::runtime_error("the host that crashed ended with status " + std::to_string(*status));
+    }
 }
 
 void DemoSession::endHost() {
@@ -155,11 +202,22 @@ DemoAccount DemoSession::account() {
 
 // The shop's records are known by what the library showed of them, in their order.
 DemoEvidence DemoSession::evidence() {
-    DemoEvidence evidence{logged_, begunAtUserChange_, secondUser, {}};
+    DemoEvidence evidence;
+    evidence.logged = logged_;
+    evidence.begunAtUserChange = begunAtUserChange_;
+    evidence.userAfterChange = secondUser;
+    evidence.crash = crash_;
     if (isShop()) {
         trace_ = DemoTrace::read(folder_ / hostOutput);
         evidence.number = [this](std::string_view identifier) { return trace_.number(identifier); };
         evidence.label = [this](std::int64_t number) { return trace_.facts(number).label; };
+    } else if (crash_) { // the one event that has no number of its own
+        evidence.number = [this](std::string_view identifier) {
+            return identifier == crash_->identifier ? loggedBefore_ : DemoLedger::number(identifier);
+        };
+        evidence.label = [this](std::int64_t number) {
+            return number == loggedBefore_ ? std::string() : DemoLedger::label(number);
+        };
     }
     disk_ = DemoDisk::read(folder_ / "data", evidence.number);
     evidence.disk = disk_;
@@ -167,13 +225,14 @@ DemoEvidence DemoSession::evidence() {
 }
 
 std::optional<DemoKinds> DemoSession::kinds() {
-    if (isShop() && !kinds_.is_array()) { // a session that broke off
+    if (isShop() && !isKindsTold_) { // a session that broke off
         host_.closeInput();
         host_.wait(patience);
         listenToHost();
     }
     if (!kinds_.is_array()) return std::nullopt;
-    return DemoKinds(kinds_, trace_, evidence(), ask("/v1/events").at("events"));
+    const auto kinds = crash_ ? DemoKinds::together(kinds_, json::array({DemoKinds::crash()})) : kinds_;
+    return DemoKinds(kinds, trace_, evidence(), ask("/v1/events").at("events"));
 }
 
 std::string DemoSession::walk(std::int64_t count) const {
@@ -225,11 +284,15 @@ void DemoSession::listenToHost() {
         const auto line = host_.readLine(std::max(left, std::chrono::milliseconds(0)));
         if (!line) return;
         const auto told = json::parse(*line);
-        if (told.contains("logged")) logged_ = told.at("logged").get<std::int64_t>();
+        if (told.contains("logged")) logged_ = loggedBefore_ + told.at("logged").get<std::int64_t>();
+        if (told.contains("crashing")) reasonToCrash_ = told.at("crashing").get<std::string>();
         if (told.contains("done")) isHostBusy_ = false;
         if (told.contains("asked")) isHostAsked_ = true;
-        if (told.contains("kinds")) kinds_ = told.at("kinds");
-        if (told.contains("seconds")) secondsWalked_ = told.at("seconds").get<double>();
+        if (told.contains("kinds")) {
+            kinds_ = kinds_.is_array() ? DemoKinds::together(kinds_, told.at("kinds")) : told.at("kinds");
+            isKindsTold_ = true;
+        }
+        if (told.contains("seconds")) secondsWalked_ += told.at("seconds").get<double>();
         if (told.contains("userChanged")) begunAtUserChange_ = told.at("userChanged").get<std::int64_t>();
     }
 }

@@ -3,6 +3,7 @@
 #include "CommandLine/ChildProcess.h"
 #include "CommandLine/CollectorClient.h"
 #include "CommandLine/DemoAccount.h"
+#include "CommandLine/DemoCrash.h"
 #include "CommandLine/DemoDisk.h"
 #include "CommandLine/DemoKinds.h"
 #include "CommandLine/DemoProgress.h"
@@ -45,11 +46,12 @@ public:
     double secondsWalked() const { return secondsWalked_; } // of the app's own time
 
     const DemoDisk& disk() const { return disk_; }
+    const std::optional<DemoCrash>& crash() const { return crash_; } // that the host ended with, on purpose
 
 private:
     static ChildProcess startCollector(const std::string& tool, const std::filesystem::path& folder);
     static int port(ChildProcess& collector);
-    ChildProcess startHost(const std::string& tool) const;
+    ChildProcess startHost(const std::string& application, const std::string& user) const;
     bool isShop() const { return !options_.shop.empty(); }
     std::string walk(std::int64_t count) const;
     DemoEvidence evidence();
@@ -58,8 +60,11 @@ private:
     void failOnce(const std::string& what, const nlohmann::json& fault);
     void changeUser();
     void changeApplication(std::int64_t count);
+    void crashAndStartAgain();
     void leaveSome();
+    void leave(std::int64_t count);
     void endHost();
+    void listenToTheEnd();
 
     void orderLog(std::int64_t count, const nlohmann::json& more = nlohmann::json::object());
     void setFaults(const nlohmann::json& faults); // in place of those that are left
@@ -71,13 +76,17 @@ private:
     nlohmann::json ask(const std::string& path) const;
 
     DemoOptions options_;
+    std::string tool_;
     std::filesystem::path folder_;
     DemoProgress& progress_;
     ChildProcess collector_;
     CollectorClient client_;
     ChildProcess host_;
 
-    std::int64_t logged_ = 0; // told by the host
+    std::int64_t logged_ = 0;       // told by the host
+    std::int64_t loggedBefore_ = 0; // by the host that crashed, and of its crash
+    std::optional<DemoCrash> crash_;
+    std::string reasonToCrash_; // told by the host
     bool isHostBusy_ = true;
     bool isHostAsked_ = false;
     std::optional<std::int64_t> begunAtUserChange_;
@@ -86,7 +95,8 @@ private:
     std::int64_t confirmed_ = 0;
     DemoDisk disk_;
     DemoTrace trace_;
-    nlohmann::json kinds_; // told by the shop at its end
+    nlohmann::json kinds_;     // told by the shop at its ends
+    bool isKindsTold_ = false; // by the host that runs
     double secondsWalked_ = 0;
 };
 

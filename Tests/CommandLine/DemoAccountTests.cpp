@@ -161,6 +161,68 @@ TEST(DemoAccount, ViolationsOfTheWireFormatAndFragmentsOnDiskAreErrors) {
     EXPECT_TRUE(mentions(session.account().errors(), "a.log: torn"));
 }
 
+// The tenth event of the session is what tells a crash.
+struct CrashedSession : Session {
+    CrashedSession() {
+        evidence.disk.events.clear();
+        evidence.crash = DemoCrash{"THE-CRASH", "SIGSEGV"};
+        evidence.number = [](std::string_view identifier) {
+            return identifier == "THE-CRASH" ? 10 : DemoLedger::number(identifier);
+        };
+        evidence.label = [](std::int64_t number) { return number == 10 ? std::string() : DemoLedger::label(number); };
+    }
+
+    void tell(int upload) {
+        events.push_back({{"evtId", "THE-CRASH"},
+                          {"upload", upload},
+                          {"accepted", true},
+                          {"duplicate", false},
+                          {"record", {{"evtType", "crash"}, {"evtCategory", "crash"}, {"crashreason", "SIGSEGV"}}}});
+    }
+};
+
+TEST(DemoAccount, ACrashThatWasToldIsAnEventLikeAnyOther) {
+    CrashedSession session;
+    session.tell(2);
+    const auto account = session.account();
+    EXPECT_EQ(account.errors(), std::vector<std::string>{});
+    EXPECT_EQ(account.crashesTold(), 1);
+    EXPECT_EQ(account.confirmed(), 8);
+    EXPECT_TRUE(account.isBalanced());
+}
+
+TEST(DemoAccount, ACrashThatWasToldMayStillBeOnDisk) {
+    CrashedSession session;
+    session.evidence.disk.events[10] = 1;
+    EXPECT_EQ(session.account().errors(), std::vector<std::string>{});
+    EXPECT_EQ(session.account().crashesTold(), 1);
+}
+
+TEST(DemoAccount, ACrashThatWasNotToldIsAnError) {
+    const CrashedSession session;
+    EXPECT_TRUE(mentions(session.account().errors(), "the crash \"SIGSEGV\" was told 0 times"));
+    EXPECT_TRUE(mentions(session.account().errors(), "event 10 is lost"));
+}
+
+TEST(DemoAccount, ACrashThatWasToldTwiceIsAnError) {
+    CrashedSession session;
+    session.tell(2);
+    session.tell(2);
+    EXPECT_TRUE(mentions(session.account().errors(), "the crash \"SIGSEGV\" was told 2 times"));
+}
+
+TEST(DemoAccount, ACrashThatArrivesAsAnotherEventIsAnError) {
+    CrashedSession session;
+    session.tell(2);
+    session.events.back()["record"]["crashreason"] = "SIGBUS";
+    EXPECT_TRUE(mentions(session.account().errors(), "arrived as another event"));
+}
+
+TEST(DemoLedger, NumbersGoOnBehindThoseOfAFormerStart) {
+    EXPECT_EQ(DemoLedger(-1).begin(), 1);
+    EXPECT_EQ(DemoLedger(-1, 41).begin(), 42);
+}
+
 TEST(DemoLedger, AnIdentifierGivesItsNumberBack) {
     EXPECT_EQ(DemoLedger::number(DemoLedger::identifier(1)), 1);
     EXPECT_EQ(DemoLedger::number(DemoLedger::identifier(123456789012)), 123456789012);

@@ -137,5 +137,32 @@ TEST_F(Walk, DoesNotCountARefusedRecord) {
     expectError("switches: the books do not balance");
 }
 
+TEST_F(Walk, OfTwoHostsAddsUp) {
+    const auto later = json::parse(R"([
+        {"kind": "buttons", "performed": 3, "type": "action", "category": "UIButton", "action": "tap",
+         "labels": {"Buy": 2, "Call": 1}},
+        {"kind": "wheels", "performed": 1},
+        {"kind": "tabs", "performed": 1, "type": "action", "category": "UITabBar", "action": "Tap",
+         "labels": {"Home": 1}}])");
+    const auto both = DemoKinds::together(told, later);
+    ASSERT_EQ(both.size(), 6U);
+    EXPECT_EQ(both[0].at("performed"), 5);
+    EXPECT_EQ(both[0].at("labels"), (json{{"Buy", 3}, {"Wish", 1}, {"Call", 1}}));
+    EXPECT_EQ(both[1], told[1]);
+    EXPECT_EQ(both[4].at("performed"), 4);
+    EXPECT_EQ(both[5], later[2]);
+}
+
+TEST_F(Walk, MayEndWithACrash) {
+    show("5", {"crash", "crash", "", ""});
+    evidence.disk.events[5] = 1;
+    expectError("a record that nothing the user did must give");
+    told.push_back(DemoKinds::crash());
+    const auto books = kinds();
+    EXPECT_TRUE(books.errors().empty()) << ::testing::PrintToString(books.errors());
+    EXPECT_EQ(books.rows().back().recorded, 1);
+    EXPECT_EQ(books.rows().back().onDisk, 1);
+}
+
 } // namespace
 } // namespace tallyfoot::commandline

@@ -19,6 +19,8 @@ TEST(Demo, AccountsForEveryEventOfAQuickSession) {
     const auto run = runShell("TMPDIR=" + folder.path().string() + " " + tool() + " demo --quick --plain");
     EXPECT_EQ(run.status, 0) << text(run);
     EXPECT_NE(text(run).find("the same\n"), std::string::npos) << text(run);
+    EXPECT_NE(text(run).find("crashes on purpose              1   \"SIGSEGV\"\n"), std::string::npos) << text(run);
+    EXPECT_NE(text(run).find("told by the next start          1   once\n"), std::string::npos) << text(run);
     EXPECT_EQ(run.complaints, "");
     EXPECT_TRUE(std::filesystem::is_empty(folder.path())); // it tidies up
 }
@@ -66,6 +68,8 @@ TEST_P(DemoShop, AccountsForEveryInteractionKindByKind) {
     EXPECT_EQ(run.status, 0) << text(run);
     EXPECT_NE(text(run).find("swipe actions"), std::string::npos) << text(run);
     EXPECT_EQ(text(run).find("NOT THE SAME"), std::string::npos) << text(run);
+    EXPECT_NE(text(run).find("\"The basket \"Weekend\" fell over\"\n"), std::string::npos) << text(run);
+    EXPECT_NE(text(run).find("told by the next start          1   once\n"), std::string::npos) << text(run);
     EXPECT_EQ(run.complaints, "");
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }

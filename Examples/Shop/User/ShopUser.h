@@ -11,9 +11,11 @@
     Ledger* _ledger;
     uint64_t _random;
     NSUInteger _tab;
+    NSTimeInterval _start;
     NSString* _product; // whose page is open, nil for none
 }
 - (instancetype)initWithWindow:(UIWindow*)window ledger:(Ledger*)ledger seed:(uint64_t)seed;
 // Until exactly so many more records are due; rests between two touches.
 - (void)walkForRecords:(NSInteger)records pauseMicroseconds:(unsigned int)pause;
+- (NSTimeInterval)secondsWalked; // on the clock of the touches
 @end

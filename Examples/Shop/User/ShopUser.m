@@ -15,8 +15,13 @@ static NSString* const tabTitles[] = {@"Shop", @"Basket", @"Settings"};
         _window = [window retain];
         _ledger = [ledger retain];
         _random = seed;
+        _start = [Finger now];
     }
     return self;
+}
+
+- (NSTimeInterval)secondsWalked {
+    return [Finger now] - _start;
 }
 
 - (void)dealloc {

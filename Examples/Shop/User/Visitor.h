@@ -12,7 +12,7 @@
     BOOL _mayChange;
     NSInteger _asked;
 }
-- (instancetype)initWithLedger:(Ledger*)ledger;
+- (instancetype)initWithLedger:(Ledger*)ledger name:(NSString*)name;
 - (NSString*)name;                  // any thread
 - (NSString*)nextToken;             // any thread
 - (void)becomeNext:(NSString*)name; // when it is asked the next time, and then waits …

@@ -4,11 +4,11 @@
 
 @implementation Visitor
 
-- (instancetype)initWithLedger:(Ledger*)ledger {
+- (instancetype)initWithLedger:(Ledger*)ledger name:(NSString*)name {
     if ((self = [super init])) {
         _condition = [[NSCondition alloc] init];
         _ledger = [ledger retain];
-        _name = @"user-1";
+        _name = [name copy];
     }
     return self;
 }
