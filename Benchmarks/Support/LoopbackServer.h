@@ -16,6 +16,7 @@ public:
     LoopbackServer& operator=(const LoopbackServer&) = delete;
 
     const std::string& url() const noexcept { return url_; }
+    pid_t process() const noexcept { return process_; }
 
 private:
     pid_t process_ = -1;
