@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,6 +44,13 @@ bool isLocalSocket(int file) {
     return ::getsockname(file, reinterpret_cast<sockaddr*>(&own), &length) == 0 && own.ss_family == AF_UNIX;
 }
 
+bool leadsNowhere(int file) {
+    struct stat is {};
+    struct stat nowhere {};
+    return ::fstat(file, &is) == 0 && ::stat("/dev/null", &nowhere) == 0 && S_ISCHR(is.st_mode)
+           && is.st_rdev == nowhere.st_rdev;
+}
+
 // Answers nobody, and has no thread that would open anything.
 class SilentServer {
 public:
@@ -59,6 +67,7 @@ public:
     int port() const { return port_; }
     std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
     FileDescriptor accept() { return FileDescriptor(::accept(listener_.number(), nullptr, nullptr)); }
+    void close() { listener_ = {}; }
 
 private:
     FileDescriptor listener_{::socket(AF_INET, SOCK_STREAM, 0)};
@@ -140,10 +149,15 @@ TEST(PosixURLSession, NothingOfItIsAStandardStreamThatTheHostHasClosed) {
     SilentServer server;
     const ClosedStreams closed;
     SessionHost host;
-    const auto answer = host.start(post(server.url()));
-    EXPECT_TRUE(server.accept());
-    EXPECT_EQ(closed.count([&](int stream) { return isConnectedTo(server.port(), stream) || isLocalSocket(stream); }),
-              0);
+    auto answer = host.start(post(server.url()));
+    {
+        const auto connection = server.accept();
+        EXPECT_TRUE(connection);
+        EXPECT_EQ(
+            closed.count([&](int stream) { return isConnectedTo(server.port(), stream) || isLocalSocket(stream); }), 0);
+    }
+    server.close();
+    expectError(SessionHost::wait(answer));
 }
 
 TEST(PosixURLSession, NorIsWhatItWaitsWithForTheAddressOfAHost) {
@@ -160,6 +174,14 @@ TEST(PosixURLSession, NorIsWhatItWaitsWithForTheAddressOfAHost) {
         expectError(answer.get(), "resolve");
     }
     EXPECT_EQ(ours, 0);
+}
+
+// Whatever was put there and closed again would be the host's own stream, had that come in between.
+TEST(PosixURLSession, WhatItPutsThereInsteadStaysThere) {
+    const ClosedStreams closed;
+    SessionHost host;
+    expectError(host.fetch(post("http://" + std::string(64, 'x') + "/")), "resolve");
+    EXPECT_EQ(closed.count(leadsNowhere), 3);
 }
 
 TEST_F(PosixURLSessionTest, ItsConnectionIsClosedInAProgramThatTheHostBecomes) {

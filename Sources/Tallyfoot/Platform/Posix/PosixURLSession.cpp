@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -46,27 +45,14 @@ bool setUpCurl() {
 
 // Fills the numbers of standard streams that the host has closed. libcurl opens the sockets by which its
 // threads wake it by itself: under such a number they would get the trace, and be gone when the host opens
-// its stream.
-class StreamPlaceholders {
-public:
-    StreamPlaceholders() {
-        for (int& file : files_) {
-            file = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-            if (file > STDERR_FILENO) break;
-        }
-    }
-
-    ~StreamPlaceholders() {
-        for (const int file : files_)
-            if (file >= 0) ::close(file);
-    }
-
-    StreamPlaceholders(const StreamPlaceholders&) = delete;
-    StreamPlaceholders& operator=(const StreamPlaceholders&) = delete;
-
-private:
-    std::array<int, STDERR_FILENO + 1> files_{-1, -1, -1};
-};
+// its stream. The numbers stay filled: the host may put a stream of its own there at any time, which takes
+// the place of ours, and whoever closed ours then would close the host's.
+void fillClosedStreams() {
+    int file = 0;
+    do file = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    while (file >= 0 && file <= STDERR_FILENO);
+    if (file >= 0) ::close(file);
+}
 
 } // namespace
 
@@ -142,10 +128,8 @@ private:
     bool setUp() {
         const ExitGate::Pass pass;
         if (!setUpCurl()) return false;
-        {
-            const StreamPlaceholders placeholders;
-            multi_.reset(curl_multi_init());
-        }
+        fillClosedStreams();
+        multi_.reset(curl_multi_init());
         shared_.modify([this](Shared& shared) { shared.multi = multi_.get(); });
         return multi_ != nullptr;
     }
@@ -171,7 +155,6 @@ private:
         begin(now, finished);
         int running = 0;
         curl_multi_perform(multi_.get(), &running);
-        placeholders_.reset();
         collect(now, finished);
         expire(now, finished);
         return finished;
@@ -209,14 +192,12 @@ private:
     bool start(CurlTransfer& transfer, Clock::time_point now) {
         if (!transfer.prepare(now)) return false;
         curl_easy_setopt(transfer.handle(), CURLOPT_RESOLVER_START_FUNCTION, &Worker::beforeResolving);
-        curl_easy_setopt(transfer.handle(), CURLOPT_RESOLVER_START_DATA, this);
         return curl_multi_add_handle(multi_.get(), transfer.handle()) == CURLM_OK;
     }
 
     // A host's address is asked for on a thread of libcurl's, which it has sockets for.
-    static int beforeResolving(void*, void*, void* worker) noexcept {
-        auto& placeholders = static_cast<Worker*>(worker)->placeholders_;
-        if (!placeholders) placeholders.emplace();
+    static int beforeResolving(void*, void*, void*) noexcept {
+        fillClosedStreams();
         return 0;
     }
 
@@ -275,7 +256,6 @@ private:
     CurlMulti multi_;
     std::vector<std::unique_ptr<CurlTransfer>> active_;
     std::vector<CurlHandle> idle_;
-    std::optional<StreamPlaceholders> placeholders_; // from a look-up's beginning to the end of the step
 };
 
 PosixURLSession::PosixURLSession() : worker_(std::make_shared<Worker>()) { (void)setUpCurl(); }

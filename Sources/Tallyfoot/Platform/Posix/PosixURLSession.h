@@ -16,6 +16,9 @@ namespace tallyfoot {
 //
 // The session may be released from one of its completions. Once it is, no completion begins; one
 // that runs on the session's thread then is not waited for.
+//
+// The numbers of standard streams that the host has closed lead nowhere once something is sent: libcurl
+// would put its own files there. The host may still put a stream of its own there at any time.
 class PosixURLSession final : public URLSession {
 public:
     PosixURLSession();
