@@ -10,10 +10,13 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <future>
 #include <map>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace tallyfoot::testing {
@@ -140,6 +143,38 @@ TEST(PosixConsole, AnOutputThatTakesNothingLosesTheTextSoon) {
     EXPECT_EQ(pipe.readSome(), "\nthe next line\n"); // not on the torn line
     console.write("and another\n");
     EXPECT_EQ(pipe.readSome(), "and another\n");
+}
+
+// Whether so many texts are written soon, to a reader that reads none of them.
+bool isWritten(Pipe& pipe, std::size_t count, const std::string& text) {
+    std::packaged_task<void()> write([&] {
+        PosixConsole console(pipe.writer());
+        for (std::size_t written = 0; written < count; ++written) console.write(text);
+    });
+    auto end = write.get_future();
+    std::thread writer(std::move(write));
+    const bool isWritten = end.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+    if (!isWritten) pipe.closeReader(); // lets the writer go
+    writer.join();
+    return isWritten;
+}
+
+TEST(PosixConsole, AReaderThatStoppedReadingHoldsNobody) {
+    Pipe pipe;
+    ASSERT_TRUE(isWritten(pipe, 1000, std::string(999, 'x') + '\n'));
+    while (pipe.readSome().size() == 1U << 16U) {
+    }
+    PosixConsole(pipe.writer()).write("the next line\n");
+    EXPECT_EQ(pipe.readSome(), "the next line\n");
+}
+
+TEST(PosixConsole, NorInTheMiddleOfALongText) {
+    Pipe pipe;
+    ASSERT_GT(::fcntl(pipe.writer(), F_SETPIPE_SZ, 16384), 0);
+    ASSERT_TRUE(isWritten(pipe, 1, std::string(100'000, 'x') + '\n'));
+    EXPECT_EQ(pipe.readSome().find_first_not_of('x'), std::string::npos);
+    PosixConsole(pipe.writer()).write("the next line\n");
+    EXPECT_EQ(pipe.readSome(), "\nthe next line\n"); // not on the torn line
 }
 
 TEST(PosixConsole, ASlowReaderOfANonBlockingPipeGetsEverythingItMakesRoomFor) {

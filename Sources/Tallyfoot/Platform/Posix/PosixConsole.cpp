@@ -1,25 +1,32 @@
 #include "Tallyfoot/Platform/Posix/PosixConsole.h"
 
 #include "Tallyfoot/Platform/Mutex.h"
+#include "Tallyfoot/Platform/Posix/SystemError.h"
 
+#include <limits.h>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 
 namespace tallyfoot {
 
 namespace {
 
-constexpr auto patience = std::chrono::milliseconds(5); // what a text may cost its caller at most
+constexpr auto patience = std::chrono::milliseconds(250); // what a text may cost its caller at most
 
 struct Output {
     Mutex mutex;
-    bool isTorn TALLYFOOT_GUARDED_BY(mutex) = false; // a line was given up in its middle
+    bool isTorn TALLYFOOT_GUARDED_BY(mutex) = false;    // a line was given up in its middle
+    bool isStalled TALLYFOOT_GUARDED_BY(mutex) = false; // the last text was not taken in time
 };
 
 // Never released: the library may trace while the process ends.
@@ -61,23 +68,33 @@ private:
     bool wasRaised_ = false;
 };
 
-bool becomesWritable(int descriptor, std::chrono::steady_clock::time_point until) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
+using Instant = std::chrono::steady_clock::time_point;
+
+bool becomesWritable(int descriptor, Instant until) {
     pollfd request{descriptor, POLLOUT, 0};
-    return left.count() > 0 && ::poll(&request, 1, static_cast<int>(left.count())) != 0;
+    return retrying([&] {
+               const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
+               return ::poll(&request, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+           })
+           != 0;
+}
+
+bool isRegularFile(int descriptor) {
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 // The part that the descriptor did not take.
-std::string_view writtenOut(int descriptor, std::string_view text) {
+std::string_view writtenOut(int descriptor, std::string_view text, Instant until) {
     PipeSignalGuard guard;
-    std::chrono::steady_clock::time_point until{};
-    while (!text.empty()) {
-        const auto count = ::write(descriptor, text.data(), text.size());
+    // A pipe that is ready takes so much at once; more than that would be waited for, as long as it takes.
+    const std::size_t most = text.size() <= PIPE_BUF || isRegularFile(descriptor) ? text.size() : PIPE_BUF;
+    while (!text.empty() && becomesWritable(descriptor, until)) {
+        const auto count = ::write(descriptor, text.data(), std::min(text.size(), most));
         if (count >= 0) {
             text.remove_prefix(static_cast<std::size_t>(count));
         } else if (errno == EAGAIN) {
-            if (until.time_since_epoch().count() == 0) until = std::chrono::steady_clock::now() + patience;
-            if (!becomesWritable(descriptor, until)) break;
+            if (std::chrono::steady_clock::now() >= until) break;
         } else if (errno != EINTR) {
             if (errno == EPIPE) guard.raised();
             break;
@@ -93,10 +110,14 @@ void PosixConsole::write(std::string_view text) noexcept {
     auto& shared = output();
     {
         MutexLock lock(shared.mutex);
-        if (shared.isTorn) shared.isTorn = !writtenOut(descriptor_, "\n").empty();
+        // Once is enough: while nothing is taken, nothing more is waited for.
+        auto until = std::chrono::steady_clock::now();
+        if (!shared.isStalled) until += patience;
+        if (shared.isTorn) shared.isTorn = !writtenOut(descriptor_, "\n", until).empty();
         if (!shared.isTorn) {
-            const auto lost = writtenOut(descriptor_, text);
+            const auto lost = writtenOut(descriptor_, text, until);
             shared.isTorn = !lost.empty() && lost.size() < text.size();
+            shared.isStalled = !lost.empty();
         }
     }
     errno = kept;
