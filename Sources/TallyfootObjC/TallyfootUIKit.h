@@ -6,27 +6,27 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-// customName: what the object is called in the events about it, in the place of its own text, or before
-// its value. Empty when never set. logEnabled: off excludes it from automatic capture. On when never set.
+@protocol CustomOptionProtocol <NSObject>
 
-@interface UIView (Tallyfoot)
+// What the object is called in the events about it, in the place of its own text, or before its value.
+// Empty when never set.
 @property(nonatomic, copy, null_resettable) NSString* customName;
+
+// Off excludes the object from automatic capture. On when never set.
 @property(nonatomic) BOOL logEnabled;
+
 @end
 
-@interface UIViewController (Tallyfoot)
-@property(nonatomic, copy, null_resettable) NSString* customName;
-@property(nonatomic) BOOL logEnabled;
+@interface UIView (Tallyfoot) <CustomOptionProtocol>
 @end
 
-@interface UIBarItem (Tallyfoot)
-@property(nonatomic, copy, null_resettable) NSString* customName;
-@property(nonatomic) BOOL logEnabled;
+@interface UIViewController (Tallyfoot) <CustomOptionProtocol>
 @end
 
-@interface UIGestureRecognizer (Tallyfoot)
-@property(nonatomic, copy, null_resettable) NSString* customName;
-@property(nonatomic) BOOL logEnabled;
+@interface UIBarItem (Tallyfoot) <CustomOptionProtocol>
+@end
+
+@interface UIGestureRecognizer (Tallyfoot) <CustomOptionProtocol>
 @end
 
 NS_ASSUME_NONNULL_END

@@ -29,6 +29,27 @@
 
 @end
 
+// Fails at what it is asked, in one way or the other.
+@interface OddPage : UIViewController {
+@public
+    BOOL raises;
+}
+@end
+
+@implementation OddPage
+
+- (NSString*)title {
+    if (raises) [NSException raise:@"NotNow" format:@"no title"];
+    return (NSString*)@7;
+}
+
+- (UINavigationItem*)navigationItem {
+    if (raises) [NSException raise:@"NotNow" format:@"no item"];
+    return (UINavigationItem*)@"item";
+}
+
+@end
+
 namespace {
 
 using namespace tallyfoot::testing;
@@ -320,6 +341,29 @@ TEST_F(ObjCCapture, KnowsNothingOfAPageThatKeepsItFromItsSuperclass) {
     [page viewWillAppear:NO];
     [page viewWillDisappear:NO];
     EXPECT_EQ(recorded(), "");
+}
+
+TEST_F(ObjCCapture, RecordsAScreenThatFailsToTellItsTitle) {
+    OddPage* page = [[[OddPage alloc] init] autorelease];
+    for (const BOOL raises : {YES, NO}) {
+        page->raises = raises;
+        [page viewWillAppear:NO];
+        [page viewWillDisappear:NO];
+        EXPECT_EQ(recorded(), "screen UIViewController ");
+    }
+}
+
+TEST_F(ObjCCapture, TracksAnObservedControllerAsItself) {
+    UINavigationController* stack = [[[UINavigationController alloc] init] autorelease];
+    UIViewController* page = [[[UIViewController alloc] init] autorelease];
+    page.customName = @"Basket";
+    for (UIViewController* controller in @[ stack, page ]) {
+        [controller addObserver:probe_ forKeyPath:@"title" options:0 context:NULL];
+        [controller viewWillAppear:NO];
+        [controller viewWillDisappear:NO];
+        [controller removeObserver:probe_ forKeyPath:@"title"];
+    }
+    EXPECT_EQ(recorded(), "screen UIViewController Basket");
 }
 
 TEST_F(ObjCCapture, TracksNoContainerOfTheSystem) {

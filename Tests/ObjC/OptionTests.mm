@@ -22,14 +22,14 @@ NSArray* objects() {
 }
 
 TEST_F(ObjCOptions, HaveTheirDefaultsWhereNeverSet) {
-    for (UIView* object in objects()) {
+    for (id<CustomOptionProtocol> object in objects()) {
         EXPECT_TRUE([object.customName isEqual:@""]);
         EXPECT_TRUE(object.logEnabled);
     }
 }
 
 TEST_F(ObjCOptions, KeepWhatIsSet) {
-    for (UIView* object in objects()) {
+    for (id<CustomOptionProtocol> object in objects()) {
         object.customName = @"Näme";
         object.logEnabled = NO;
         EXPECT_TRUE([object.customName isEqual:@"Näme"]);
@@ -38,6 +38,23 @@ TEST_F(ObjCOptions, KeepWhatIsSet) {
         object.logEnabled = YES;
         EXPECT_TRUE([object.customName isEqual:@""]);
         EXPECT_TRUE(object.logEnabled);
+    }
+}
+
+TEST_F(ObjCOptions, KeepACopy) {
+    UIView* view = [[[UIView alloc] initWithFrame:CGRectZero] autorelease];
+    NSMutableString* name = [NSMutableString stringWithString:@"Buy"];
+    view.customName = name;
+    [name appendString:@"er"];
+    EXPECT_TRUE([view.customName isEqual:@"Buy"]);
+}
+
+TEST_F(ObjCOptions, AreSetByKeyAsAStoryboardDoes) {
+    for (id object in objects()) {
+        [object setValue:@"Buy" forKey:@"customName"];
+        [object setValue:[NSNumber numberWithBool:NO] forKey:@"logEnabled"];
+        EXPECT_TRUE([[object valueForKey:@"customName"] isEqual:@"Buy"]);
+        EXPECT_FALSE([[object valueForKey:@"logEnabled"] boolValue]);
     }
 }
 

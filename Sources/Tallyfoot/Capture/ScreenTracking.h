@@ -25,7 +25,7 @@ public:
 private:
     struct Screen {
         Date start;
-        std::uint64_t appearance = 0; // the how manieth
+        std::uint64_t appearance = 0; // its number among all appearances
         std::string title;
     };
 
