@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 
 namespace tallyfoot::testing {
@@ -14,7 +15,9 @@ TEST(Endpoint, KnownIntegersMakeOne) {
 }
 
 TEST(Endpoint, UnknownIntegersMakeNone) {
-    for (const int number : {-1, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
+    for (const std::int64_t number :
+         {std::int64_t{-1}, std::int64_t{3}, std::int64_t{4294967296 + 2}, std::numeric_limits<std::int64_t>::min(),
+          std::numeric_limits<std::int64_t>::max()})
         EXPECT_EQ(fromRawValue<Endpoint>(number), std::nullopt) << number;
 }
 

@@ -19,8 +19,7 @@ using Record = tallyfoot::Environment;
 }
 
 - (void)setEndpoint:(Endpoint)endpoint {
-    const bool isNumber = endpoint >= EndpointDev && endpoint <= EndpointProd; // more digits than an int has are none
-    record(self)->setEndpoint(tallyfoot::fromRawValue<tallyfoot::Endpoint>(isNumber ? static_cast<int>(endpoint) : -1));
+    record(self)->setEndpoint(tallyfoot::fromRawValue<tallyfoot::Endpoint>(endpoint));
 }
 
 - (NSString*)uploadPath {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -15,9 +16,9 @@ constexpr std::string_view uploadBaseKey(Endpoint endpoint) noexcept {
 }
 
 template <class Enumeration>
-constexpr std::optional<Enumeration> fromRawValue(int number) noexcept;
+constexpr std::optional<Enumeration> fromRawValue(std::int64_t number) noexcept;
 template <>
-constexpr std::optional<Endpoint> fromRawValue<Endpoint>(int number) noexcept {
+constexpr std::optional<Endpoint> fromRawValue<Endpoint>(std::int64_t number) noexcept {
     if (number < 0 || number > 2) return std::nullopt;
     return static_cast<Endpoint>(number);
 }
