@@ -57,6 +57,14 @@ TEST_F(ObjCApplicationInfo, TakesNilForAnEmptyText) {
     EXPECT_TRUE([info.appId isEqual:@""]);
 }
 
+TEST_F(ObjCApplicationInfo, TakesATextThatRaisesForNone) {
+    NSString* text = [[[RaisingText alloc] init] autorelease];
+    ApplicationInfo* info = [[[ApplicationInfo alloc] initWithAppName:text appId:text bizArea:text
+                                                            bizAreaId:text] autorelease];
+    EXPECT_TRUE([info.appName isEqual:@"Bundled"]);
+    EXPECT_TRUE([info.appId isEqual:@""]);
+}
+
 TEST_F(ObjCApplicationInfo, ComesBackFromAnArchive) {
     NSData* data = [NSKeyedArchiver archivedDataWithRootObject:shop()];
     expectShop([NSKeyedUnarchiver unarchiveObjectWithData:data]);

@@ -68,8 +68,30 @@ TEST_F(ObjCDictionaries, KeepTheDigitsOf64BitNumbers) {
 
 TEST_F(ObjCDictionaries, WriteFractionsInTheirShortestForm) {
     EXPECT_EQ(custom(
-                  @{@"a" : @[ @0.1, @2.0, [NSDecimalNumber decimalNumberWithString:@"1.10"] ]}),
+                  @{@"a" : @[ @0.1, @2.0, [NSDecimalNumber decimalNumberWithMantissa:110 exponent:-2 isNegative:NO] ]}),
               R"({"a":[0.1,2,1.1]})");
+}
+
+TEST_F(ObjCDictionaries, KeepTheDigitsOfWholeDecimalNumbers) {
+    const auto decimal = [](unsigned long long mantissa, short exponent, BOOL isNegative) {
+        return [NSDecimalNumber decimalNumberWithMantissa:mantissa exponent:exponent isNegative:isNegative];
+    };
+    EXPECT_EQ(custom(@{
+                  @"a" : @[
+                      decimal(9007199254740993, 0, NO), decimal(18446744073709551615ULL, 0, NO), decimal(12, 3, YES),
+                      decimal(0, 0, NO), decimal(1, 30, NO), decimal(15, -30, NO)
+                  ]
+              }),
+              R"({"a":[9007199254740993,18446744073709551615,-12000,0,1e+30,1.5e-29]})");
+}
+
+TEST_F(ObjCDictionaries, MayBeOfTheHostsOwnClass) {
+    NSArray* array = [[[PlainArray alloc] initWithElements:@[ @"x", @"y" ]] autorelease];
+    NSDictionary* own = [[[PlainDictionary alloc] initWithEntries:@{@"pgName" : @"Basket", @"a" : array}] autorelease];
+    EXPECT_EQ(attributes(own), (Attributes{{LogAttribute::screenTitle, "Basket"}}));
+    EXPECT_EQ(custom(own), R"({"a":["x","y"],"pgName":"Basket"})");
+    EXPECT_THAT(texts(own), ElementsAre(Pair("pgName", "Basket")));
+    EXPECT_THAT(texts(array), ElementsAre("x", "y"));
 }
 
 TEST_F(ObjCDictionaries, AreNotSerialisedWithWhatJSONDoesNotKnow) {
@@ -93,6 +115,15 @@ TEST_F(ObjCDictionaries, AreNotSerialisedWhenTheyHoldThemselves) {
 
 TEST_F(ObjCDictionaries, AreNotSerialisedWhenTheyRaise) {
     EXPECT_EQ(custom([[[RaisingDictionary alloc] init] autorelease]), std::nullopt);
+    EXPECT_EQ(custom(@{@"x" : [[[RaisingText alloc] init] autorelease]}), std::nullopt);
+}
+
+TEST_F(ObjCDictionaries, LoseOnlyTheEntryThatRaises) {
+    NSString* raising = [[[RaisingText alloc] init] autorelease];
+    EXPECT_EQ(attributes(@{@"pgName" : raising, @"evtLabel" : @"Buy"}), (Attributes{{LogAttribute::evtLabel, "Buy"}}));
+    EXPECT_THAT(texts(@[ raising, @"a" ]), ElementsAre("a"));
+    EXPECT_THAT(texts(@{@"a" : raising, @"b" : @"B"}), ElementsAre(Pair("b", "B")));
+    EXPECT_EQ(attributes([[[RaisingDictionary alloc] init] autorelease]), Attributes());
 }
 
 TEST_F(ObjCDictionaries, KeepTheTextsOfACollection) {

@@ -33,6 +33,23 @@ NSString* loneSurrogate(); // "a", half a character, "b"
 
 } // namespace tallyfoot::testing
 
-// Raises at every question, as an object of the host's may.
+// These raise at every question, as objects of the host's may.
 @interface RaisingDictionary : NSDictionary
+@end
+@interface RaisingText : NSString
+@end
+
+// A dictionary of the host's own class, with no more than such a class must have. What it gives
+// stays until the autorelease pool of whoever asked goes.
+@interface PlainDictionary : NSDictionary {
+    NSDictionary* _entries;
+}
+- (instancetype)initWithEntries:(NSDictionary*)entries;
+@end
+
+// The same of an array.
+@interface PlainArray : NSArray {
+    NSArray* _elements;
+}
+- (instancetype)initWithElements:(NSArray*)elements;
 @end

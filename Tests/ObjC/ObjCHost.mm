@@ -102,3 +102,70 @@ NSString* tallyfoot::testing::loneSurrogate() { return [[[LoneSurrogate alloc] i
 }
 
 @end
+
+@implementation RaisingText
+
+- (NSUInteger)length {
+    [NSException raise:@"NotNow" format:@"no length"];
+    return 0;
+}
+
+- (unichar)characterAtIndex:(NSUInteger)index {
+    [NSException raise:@"NotNow" format:@"%lu", (unsigned long)index];
+    return 0;
+}
+
+- (id)copyWithZone:(NSZone*)zone {
+    (void)zone;
+    return [self retain];
+}
+
+@end
+
+@implementation PlainDictionary
+
+- (instancetype)initWithEntries:(NSDictionary*)entries {
+    if ((self = [super init]) != nil) _entries = [entries retain];
+    return self;
+}
+
+- (void)dealloc {
+    [_entries release];
+    [super dealloc];
+}
+
+- (NSUInteger)count {
+    return [_entries count];
+}
+
+- (id)objectForKey:(id)key {
+    return [[[_entries objectForKey:key] retain] autorelease];
+}
+
+- (NSEnumerator*)keyEnumerator {
+    return [_entries keyEnumerator];
+}
+
+@end
+
+@implementation PlainArray
+
+- (instancetype)initWithElements:(NSArray*)elements {
+    if ((self = [super init]) != nil) _elements = [elements retain];
+    return self;
+}
+
+- (void)dealloc {
+    [_elements release];
+    [super dealloc];
+}
+
+- (NSUInteger)count {
+    return [_elements count];
+}
+
+- (id)objectAtIndex:(NSUInteger)index {
+    return [_elements objectAtIndex:index];
+}
+
+@end

@@ -27,6 +27,15 @@ TEST_F(ObjCAuthentication, MayHaveNoLogOnTime) {
     EXPECT_EQ(user.userLogOnTime, nil);
 }
 
+TEST_F(ObjCAuthentication, TakesATextThatRaisesForAnEmptyOne) {
+    NSString* text = [[[RaisingText alloc] init] autorelease];
+    Authentication* user = [[[Authentication alloc] initWithUserId:text authenticationToken:text
+                                                     userLogOnTime:text] autorelease];
+    EXPECT_TRUE([user.userId isEqual:@""]);
+    EXPECT_TRUE([user.authenticationToken isEqual:@""]);
+    EXPECT_EQ(user.userLogOnTime, nil);
+}
+
 TEST_F(ObjCAuthentication, IsFatalWithoutItsValues) {
     EXPECT_DEATH((void)[[NSClassFromString(@"Authentication") alloc] init], "without its values");
 }
@@ -44,6 +53,12 @@ TEST_F(ObjCUploadConfiguration, KeepsAndForgetsItsUploadPath) {
     EXPECT_TRUE([configuration.uploadPath isEqual:@"https://a.example"]);
     EXPECT_EQ(record(configuration)->uploadPath(), "https://a.example");
     configuration.uploadPath = nil;
+    EXPECT_EQ(configuration.uploadPath, nil);
+}
+
+TEST_F(ObjCUploadConfiguration, HasNoUploadPathWhereThatRaises) {
+    UploadConfiguration* configuration = [[[UploadConfiguration alloc] initWithSeconds:60 eventsCount:20] autorelease];
+    configuration.uploadPath = [[[RaisingText alloc] init] autorelease];
     EXPECT_EQ(configuration.uploadPath, nil);
 }
 

@@ -93,6 +93,45 @@ TEST_F(ObjCTallyfoot, RaisesNothingWhenAnArgumentRaises) {
     EXPECT_THAT(records(), SizeIs(1));
 }
 
+TEST_F(ObjCTallyfoot, KeepsAnEventOfWhichAPartRaises) {
+    start();
+    NSString* text = [[[RaisingText alloc] init] autorelease];
+    NSDictionary* attributes = @{@"pgName" : text, @"evtLabel" : @"Buy"};
+    [Tallyfoot logEventWithType:@"purchase" attributes:attributes customAttributes:nil];
+    [Tallyfoot logEventWithType:text attributes:@{} customAttributes:nil];
+    [Tallyfoot logJSONEventWithType:@"purchase" attributes:attributes customJSONAttributes:text];
+    [Tallyfoot logEventWithType:@"purchase"
+                     attributes:[[[RaisingDictionary alloc] init] autorelease]
+               customAttributes:nil];
+    const auto stored = records();
+    ASSERT_THAT(stored, SizeIs(4));
+    EXPECT_EQ(stored[0]["evtLabel"], "Buy");
+    EXPECT_EQ(stored[0]["pgName"], "");
+    EXPECT_EQ(stored[1]["evtType"], "");
+    EXPECT_FALSE(stored[2].contains("custom"));
+}
+
+TEST_F(ObjCTallyfoot, IsConfiguredWithoutTheClassNameThatRaises) {
+    NSArray* names = @[ [[[RaisingText alloc] init] autorelease], @"UISlider" ];
+    Tallyfoot.appInfo = application(@"Shop");
+    [Tallyfoot configure:configuration()
+                ignoreClasses:names
+        authenticationClosure:^{
+          return user(@"t");
+        }];
+    EXPECT_THAT(tallyfoot::Tallyfoot::shared().ignoreClasses(), ElementsAre("UISlider"));
+}
+
+TEST_F(ObjCTallyfoot, TakesDictionariesOfTheHostsOwnClasses) {
+    start();
+    NSDictionary* own = [[[PlainDictionary alloc] initWithEntries:@{@"pgName" : @"Basket"}] autorelease];
+    [Tallyfoot logEvent:EventTypeAction attributes:own customAttributes:own];
+    const auto stored = records();
+    ASSERT_THAT(stored, SizeIs(1));
+    EXPECT_EQ(stored[0]["pgName"], "Basket");
+    EXPECT_EQ(stored[0]["custom"], json::parse(R"([{"pgName":"Basket"}])"));
+}
+
 TEST_F(ObjCTallyfoot, LeavesErrnoAsItWas) {
     start();
     errno = EDOM;
@@ -231,13 +270,44 @@ TEST_F(ObjCTallyfoot, IsFatalWithoutCredentials) {
     EXPECT_DEATH(Tallyfoot.appInfo = application(@"Shop"), "");
 }
 
+TEST_F(ObjCTallyfoot, KeepsNothingThatTheClosureMadeBeforeItRaised) {
+    NSMutableString* made = [NSMutableString string];
+    [Tallyfoot configure:configuration()
+                ignoreClasses:@[]
+        authenticationClosure:^Authentication* {
+          [[made retain] autorelease];
+          [NSException raise:@"NotNow" format:@"no keychain"];
+          return nil;
+        }];
+    const NSUInteger count = [made retainCount];
+    Tallyfoot.appInfo = application(@"Shop");
+    EXPECT_EQ([made retainCount], count);
+}
+
+TEST_F(ObjCTallyfoot, KeepsNothingOfACallUntilTheHostsPoolGoes) {
+    start();
+    NSMutableString* text = [NSMutableString stringWithString:@"Basket"];
+    NSDictionary* own = [[[PlainDictionary alloc] initWithEntries:@{@"pgName" : text}] autorelease];
+    const NSUInteger count = [text retainCount];
+    [Tallyfoot logEvent:EventTypeAction attributes:own customAttributes:own];
+    [Tallyfoot logEventWithType:@"purchase" attributes:own customAttributes:own];
+    [Tallyfoot logJSONEvent:EventTypeAction attributes:own customJSONAttributes:nil];
+    [Tallyfoot logJSONEventWithType:@"purchase" attributes:own customJSONAttributes:nil];
+    [Tallyfoot categoryCustomTitles:own];
+    EXPECT_EQ([text retainCount], count);
+}
+
+// Such a thread has no autorelease pool either.
 TEST_F(ObjCTallyfoot, LogsFromThreadsThatFoundationDoesNotKnow) {
     start();
-    NSDictionary* attributes = @{@"pgName" : @"Basket"}; // there is no pool on that thread
-    std::async(std::launch::async, [attributes] {
-        [Tallyfoot logEvent:EventTypeAction attributes:attributes customAttributes:nil];
+    NSMutableString* text = [NSMutableString stringWithString:@"Basket"];
+    NSDictionary* own = [[[PlainDictionary alloc] initWithEntries:@{@"pgName" : text}] autorelease];
+    const NSUInteger count = [text retainCount];
+    std::async(std::launch::async, [&] {
+        [Tallyfoot logEvent:EventTypeAction attributes:own customAttributes:own];
     }).get();
     EXPECT_THAT(records(), SizeIs(1));
+    EXPECT_EQ([text retainCount], count);
 }
 
 } // namespace

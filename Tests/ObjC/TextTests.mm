@@ -50,6 +50,12 @@ TEST_F(ObjCText, IsEmptyForNilAndForWhatIsNoText) {
     EXPECT_EQ(optionalText(@""), "");
 }
 
+TEST_F(ObjCText, IsEmptyWhereItRaises) {
+    NSString* raising = [[[RaisingText alloc] init] autorelease];
+    EXPECT_EQ(text(raising), "");
+    EXPECT_EQ(optionalText(raising), std::nullopt);
+}
+
 TEST_F(ObjCText, GivesEveryByteSequenceAString) {
     EXPECT_TRUE([string("aß") isEqual:@"aß"]);
     EXPECT_TRUE([string("a\xFF") isEqual:@"a\uFFFD"]);

@@ -44,16 +44,22 @@ tallyfoot::EventType eventType(EventType type) {
 
 using AuthenticationBlock = Authentication* (^)(void);
 
-// The recorder's threads have no pool of their own. What the block raises goes on as C++'s own kind,
-// which the recorder deals with; nil goes on as nothing, which it does not forgive.
+// What a host's call makes on its way goes when it returns: a thread may have no pool, and a host that logs
+// in a loop seldom drains its own. The pool is the outer one, for an exception passes by the end of an inner one.
+bool guardedInPool(tallyfoot::FunctionRef<void()> block) {
+    bool isCompleted = false;
+    @autoreleasepool {
+        isCompleted = guarded(block);
+    }
+    return isCompleted;
+}
+
+// What the block raises goes on as C++'s own kind, which the recorder deals with; nil goes on as nothing,
+// which it does not forgive.
 std::shared_ptr<tallyfoot::Authentication> ask(const void* block) {
     std::shared_ptr<tallyfoot::Authentication> answer;
-    const bool isCompleted = guarded([&] {
-        @autoreleasepool {
-            answer = record(((AuthenticationBlock)block)());
-        }
-    });
-    if (!isCompleted) throw std::runtime_error("the authentication closure raised an exception");
+    if (!guardedInPool([&] { answer = record(((AuthenticationBlock)block)()); }))
+        throw std::runtime_error("the authentication closure raised an exception");
     return answer;
 }
 
@@ -80,7 +86,8 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 + (void)configure:(UploadConfiguration*)configuration
             ignoreClasses:(NSArray*)ignoreClasses
     authenticationClosure:(AuthenticationBlock)authenticationClosure {
-    guarded([&] { Facade::configure(record(configuration), texts(ignoreClasses), closure(authenticationClosure)); });
+    guardedInPool(
+        [&] { Facade::configure(record(configuration), texts(ignoreClasses), closure(authenticationClosure)); });
 }
 
 + (ApplicationInfo*)appInfo {
@@ -88,7 +95,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 }
 
 + (void)setAppInfo:(ApplicationInfo*)appInfo {
-    guarded([&] {
+    guardedInPool([&] {
         const auto info = record(appInfo);
         lastAppInfo().keep(info ? appInfo : nil, info.get());
         Facade::setAppInfo(info);
@@ -96,7 +103,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 }
 
 + (void)categoryCustomTitles:(NSDictionary*)titles {
-    guarded([&] { Facade::categoryCustomTitles(texts(titles)); });
+    guardedInPool([&] { Facade::categoryCustomTitles(texts(titles)); });
 }
 
 + (void)configureSwizzle {
@@ -108,14 +115,14 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 + (void)logEventWithType:(NSString*)type
               attributes:(NSDictionary*)attributes
         customAttributes:(NSDictionary*)customAttributes {
-    guarded([&] {
+    guardedInPool([&] {
         Facade::log(text(type), tallyfoot::objc::attributes(attributes),
                     tallyfoot::objc::customAttributes(customAttributes));
     });
 }
 
 + (void)logEvent:(EventType)type attributes:(NSDictionary*)attributes customAttributes:(NSDictionary*)customAttributes {
-    guarded([&] {
+    guardedInPool([&] {
         Facade::log(eventType(type), tallyfoot::objc::attributes(attributes),
                     tallyfoot::objc::customAttributes(customAttributes));
     });
@@ -124,7 +131,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 + (void)logJSONEventWithType:(NSString*)type
                   attributes:(NSDictionary*)attributes
         customJSONAttributes:(NSString*)customJSONAttributes {
-    guarded([&] {
+    guardedInPool([&] {
         Facade::logJSON(text(type), tallyfoot::objc::attributes(attributes), optionalText(customJSONAttributes));
     });
 }
@@ -132,7 +139,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 + (void)logJSONEvent:(EventType)type
               attributes:(NSDictionary*)attributes
     customJSONAttributes:(NSString*)customJSONAttributes {
-    guarded([&] {
+    guardedInPool([&] {
         Facade::logJSON(eventType(type), tallyfoot::objc::attributes(attributes), optionalText(customJSONAttributes));
     });
 }
@@ -184,7 +191,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 }
 
 + (void)setPageParent:(NSString*)pageParent {
-    guarded([&] { Facade::setPageParent(optionalText(pageParent)); });
+    guardedInPool([&] { Facade::setPageParent(optionalText(pageParent)); });
 }
 
 + (Environment*)environment {
@@ -192,7 +199,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 }
 
 + (void)setEnvironment:(Environment*)environment {
-    guarded([&] {
+    guardedInPool([&] {
         const auto changed = record(environment);
         lastEnvironment().keep(changed ? environment : nil, changed.get());
         Facade::setEnvironment(changed);

@@ -11,7 +11,7 @@
 #include <vector>
 
 // Collections of the two languages in each other's terms. What an argument of another class holds is
-// nothing; an entry that cannot be converted is dropped.
+// nothing; an entry that cannot be converted is dropped. None raises: a collection that does so ends there.
 namespace tallyfoot::objc {
 
 // By record key; unknown keys and values that are no texts are dropped.

@@ -5,7 +5,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace tallyfoot::objc {
@@ -24,8 +27,19 @@ bool isTruth(NSNumber* number) {
     return number == [NSNumber numberWithBool:YES] || number == [NSNumber numberWithBool:NO];
 }
 
+// A whole number may come with an exponent, which JSON's readers take for a fraction.
+std::string withoutExponent(const std::string& number) {
+    const auto mark = number.find('E');
+    if (mark == std::string::npos) return number;
+    const auto point = std::min(number.find('.'), mark);
+    const auto decimals = point < mark ? number.substr(point + 1, mark - point - 1) : "";
+    const auto exponent = std::strtoul(number.c_str() + mark + 1, nullptr, 10); // beyond all digits for a negative one
+    if (exponent < decimals.size() || exponent > std::numeric_limits<std::uint64_t>::digits10) return number;
+    return number.substr(0, point) + decimals + std::string(exponent - decimals.size(), '0');
+}
+
 bool convertDecimal(NSNumber* number, json& into) {
-    into = json::parse(text([number description]), nullptr, false);
+    into = json::parse(withoutExponent(text([number description])), nullptr, false);
     return into.is_number();
 }
 
@@ -44,9 +58,10 @@ bool convertNumber(NSNumber* number, json& into) {
     return true;
 }
 
+// Through enumerators, since on GNUstep a dictionary of a host's own class knows no fast enumeration.
 bool convertArray(NSArray* array, json& into, int level) {
     into = json::array();
-    for (id element in array) {
+    for (id element in [array objectEnumerator]) {
         into.emplace_back();
         if (!convert(element, into.back(), level)) return false;
     }
@@ -55,7 +70,7 @@ bool convertArray(NSArray* array, json& into, int level) {
 
 bool convertDictionary(NSDictionary* dictionary, json& into, int level) {
     into = json::object();
-    for (id key in dictionary) {
+    for (id key in [dictionary keyEnumerator]) {
         if (!isText(key)) return false;
         const auto name = wellFormedText(key);
         if (!name || !convert([dictionary objectForKey:key], into[*name], level)) return false;
@@ -105,30 +120,37 @@ id object(const PropertyList& list) {
 
 Attributes attributes(NSDictionary* dictionary) {
     Attributes result;
-    if (!isDictionary(dictionary)) return result;
-    for (id key in dictionary) {
-        const auto attribute = fromRawValue<LogAttribute>(text(key));
-        id value = [dictionary objectForKey:key];
-        if (attribute && isText(value)) result.set(*attribute, text(value));
-    }
+    guarded([&] {
+        if (!isDictionary(dictionary)) return;
+        for (id key in [dictionary keyEnumerator]) {
+            const auto attribute = fromRawValue<LogAttribute>(text(key));
+            if (!attribute) continue;
+            if (auto value = optionalText([dictionary objectForKey:key])) result.set(*attribute, *std::move(value));
+        }
+    });
     return result;
 }
 
 std::map<std::string, std::string> texts(NSDictionary* dictionary) {
     std::map<std::string, std::string> result;
-    if (!isDictionary(dictionary)) return result;
-    for (id key in dictionary) {
-        id value = [dictionary objectForKey:key];
-        if (isText(key) && isText(value)) result.insert_or_assign(text(key), text(value));
-    }
+    guarded([&] {
+        if (!isDictionary(dictionary)) return;
+        for (id key in [dictionary keyEnumerator]) {
+            auto name = optionalText(key);
+            auto value = optionalText([dictionary objectForKey:key]);
+            if (name && value) result.insert_or_assign(*std::move(name), *std::move(value));
+        }
+    });
     return result;
 }
 
 std::vector<std::string> texts(NSArray* array) {
     std::vector<std::string> result;
-    if (![array isKindOfClass:[NSArray class]]) return result;
-    for (id element in array)
-        if (isText(element)) result.push_back(text(element));
+    guarded([&] {
+        if (![array isKindOfClass:[NSArray class]]) return;
+        for (id element in [array objectEnumerator])
+            if (auto value = optionalText(element)) result.push_back(*std::move(value));
+    });
     return result;
 }
 

@@ -11,10 +11,9 @@ namespace tallyfoot::objc {
 bool isText(id object);
 bool isDictionary(id object);
 
-// As UTF-8; a surrogate without its other half becomes U+FFFD. Empty for nil and for what is no text.
-std::string text(id object);
-
-std::optional<std::string> optionalText(id object); // none for nil and for what is no text
+// As UTF-8; a surrogate without its other half becomes U+FFFD. Neither raises.
+std::string text(id object);                        // empty for nil, for what is no text and for one that raises
+std::optional<std::string> optionalText(id object); // none for these
 
 // The same where every surrogate has its other half; else none.
 std::optional<std::string> wellFormedText(NSString* string);

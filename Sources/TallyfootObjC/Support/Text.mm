@@ -1,5 +1,7 @@
 #include "TallyfootObjC/Support/Text.h"
 
+#include "TallyfootObjC/Support/Guard.h"
+
 #include "Tallyfoot/Platform/UTF8.h"
 
 #include <algorithm>
@@ -53,15 +55,15 @@ bool isText(id object) { return [object isKindOfClass:[NSString class]]; }
 
 bool isDictionary(id object) { return [object isKindOfClass:[NSDictionary class]]; }
 
-std::string text(id object) {
-    std::string result;
-    if (isText(object)) append(result, object);
-    return result;
-}
+std::string text(id object) { return optionalText(object).value_or(""); }
 
 std::optional<std::string> optionalText(id object) {
-    if (!isText(object)) return std::nullopt;
-    return text(object);
+    std::optional<std::string> result;
+    const bool isCompleted = guarded([&] {
+        if (isText(object)) append(result.emplace(), object);
+    });
+    if (!isCompleted) result.reset();
+    return result;
 }
 
 std::optional<std::string> wellFormedText(NSString* string) {
