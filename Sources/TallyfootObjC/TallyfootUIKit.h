@@ -1,7 +1,8 @@
 #pragma once
 
 // What each view, view controller, bar item and gesture recognizer can be told about automatic capture.
-// The library adds these properties when UIKit's classes are loaded; it links no UIKit itself.
+// The library adds these properties when UIKit's classes are loaded; it links no UIKit itself. What is set
+// goes with its object. Any thread.
 #import <UIKit/UIKit.h>
 
 NS_ASSUME_NONNULL_BEGIN
@@ -9,7 +10,7 @@ NS_ASSUME_NONNULL_BEGIN
 @protocol CustomOptionProtocol <NSObject>
 
 // What the object is called in the events about it, in the place of its own text, or before its value.
-// Empty when never set.
+// Empty when never set; nil takes it back.
 @property(nonatomic, copy, null_resettable) NSString* customName;
 
 // Off excludes the object from automatic capture. On when never set.

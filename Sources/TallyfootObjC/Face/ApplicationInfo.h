@@ -5,14 +5,15 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-// Who the host application is. Fixed once made.
+// Who the host application is. Fixed once made: a subclass's own getters are not asked. nil, and what is no
+// text, counts as an empty text. Any thread.
 TALLYFOOT_OBJC_EXPORT
 @interface ApplicationInfo : NSObject <NSCoding> {
 @package
     void* _record;
 }
 
-// Without a name the main bundle's "CFBundleName" is used.
+// Without a name (nil) the main bundle's "CFBundleName" is used; an empty one is a name.
 - (instancetype)initWithAppName:(nullable NSString*)appName
                           appId:(NSString*)appId
                         bizArea:(NSString*)bizArea

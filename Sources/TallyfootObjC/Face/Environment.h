@@ -8,7 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 typedef NS_ENUM(NSInteger, Endpoint) { EndpointDev = 0, EndpointUat = 1, EndpointProd = 2 };
 
 // Which server uploads go to: the endpoint's base address comes from the property list "Environment"
-// that the host ships in a framework.
+// that the host ships in a framework. Any thread.
 TALLYFOOT_OBJC_EXPORT
 @interface Environment : NSObject {
 @package
@@ -21,7 +21,8 @@ TALLYFOOT_OBJC_EXPORT
 // was, silently. A number that is no endpoint counts as none.
 - (void)setEndpoint:(Endpoint)endpoint;
 
-@property(nonatomic, copy) NSString* uploadPath; // "no such path" until an endpoint was resolved
+// A whole address. "no such path" until an endpoint was resolved; one that is set stays until the next is.
+@property(nonatomic, copy) NSString* uploadPath;
 
 // The property list as it was last found; none before, and none when that file was unreadable.
 @property(nonatomic, readonly, nullable) NSDictionary<NSString*, id>* environmentDict;
