@@ -34,9 +34,8 @@ static NSTimeInterval clockTime = 1000;
 }
 
 + (void)_send:(NSSet*)touches {
-    UIEvent* event = [[UIEvent alloc] _initWithTouches:touches time:clockTime];
+    UIEvent* event = [[[UIEvent alloc] _initWithTouches:touches time:clockTime] autorelease]; // a target may raise
     [[UIApplication sharedApplication] sendEvent:event];
-    [event release];
     clockTime += frameTime;
 }
 
