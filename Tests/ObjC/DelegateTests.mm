@@ -46,6 +46,30 @@
 
 @end
 
+// Passes on whatever it is sent.
+@interface Trusting : Choosing
+@end
+
+@implementation Trusting
+
+- (void)forwardInvocation:(NSInvocation*)invocation {
+    [invocation invokeWithTarget:behind];
+}
+
+@end
+
+@interface NamingUnasked : Naming
+@end
+
+@implementation NamingUnasked
+
+- (id)forwardingTargetForSelector:(SEL)selector {
+    (void)selector;
+    return behind;
+}
+
+@end
+
 // Of a root class of its own.
 @interface Standing : NSProxy {
 @public
@@ -138,6 +162,13 @@ TEST_F(ObjCDelegates, MayTakeWhatNobodyUnderstandsForAMistake) {
     EXPECT_EQ(heardBy(probe_), "row 1");
     EXPECT_EQ(recorded(), selected);
     tapRow(before([[[Choosing alloc] init] autorelease], [[[Indifferent alloc] init] autorelease]), probe_);
+    EXPECT_EQ(recorded(), selected);
+}
+
+TEST_F(ObjCDelegates, MayPassOnEvenWhatTheOtherDoesNotUnderstand) {
+    tapRow(before([[[Trusting alloc] init] autorelease], [[[Indifferent alloc] init] autorelease]), probe_);
+    EXPECT_EQ(recorded(), selected);
+    tapRow(before([[[NamingUnasked alloc] init] autorelease], [[[Indifferent alloc] init] autorelease]), probe_);
     EXPECT_EQ(recorded(), selected);
 }
 

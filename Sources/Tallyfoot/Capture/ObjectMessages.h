@@ -45,7 +45,8 @@ public:
     virtual void call(ImplementationRef, ObjectRef, SelectorRef, std::span<const ObjectRef> arguments) = 0;
     // As if the receiver's class did not have the method: to the object that it names
     // (forwardingTargetForSelector:), else through its forwardInvocation:, with a signature of so many objects,
-    // whatever signature the class has for it. Nothing where the receiver says that it does not recognize it.
+    // whatever signature the class has for it. Nothing where the receiver, or whom it passes it on to, says
+    // that it does not recognize it.
     virtual void forwardInvocation(ObjectRef, SelectorRef, std::span<const ObjectRef> arguments) = 0;
     virtual bool respondsToSelector(ObjectRef, SelectorRef) = 0; // asked of the object, which may know better
     virtual void addTarget(ObjectRef recognizer, ObjectRef target, SelectorRef action) = 0; // addTarget:action:

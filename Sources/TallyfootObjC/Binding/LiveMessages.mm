@@ -67,14 +67,15 @@ id answer(id object, SEL selector, const MethodTypes& types) {
     return isObject(types.result()) ? send<id>(object, selector) : nil;
 }
 
-// What an object raises at a message that it does not recognize; each platform has its own wording.
-bool isAboutUnrecognized(NSException* exception, id object, SEL selector) {
+// What is raised at a message that an object does not recognize. Each platform has its own wording, and
+// GNUstep's Foundation another one for invocations.
+bool isAboutUnrecognized(NSException* exception, SEL selector) {
     if (![[exception name] isEqual:NSInvalidArgumentException]) return false;
     const auto contains = [reason = [exception reason]](NSString* part) {
         return reason != nil && [reason rangeOfString:part].location != NSNotFound;
     };
-    return contains(@"recogniz") && contains(NSStringFromSelector(selector))
-           && contains(NSStringFromClass([object class]));
+    return contains(NSStringFromSelector(selector))
+           && (contains(@"recogniz") || contains(@"Can not determine type information"));
 }
 
 void callWithObjects(IMP implementation, id object, SEL selector, std::span<const ObjectRef> arguments) {
@@ -86,6 +87,26 @@ void callWithObjects(IMP implementation, id object, SEL selector, std::span<cons
     default:
         return reinterpret_cast<void (*)(id, SEL, id, id, id)>(implementation)(object, selector, at(0), at(1), at(2));
     }
+}
+
+void passOn(id receiver, SEL selector, std::span<const ObjectRef> arguments) {
+    id const named = [receiver respondsToSelector:@selector(forwardingTargetForSelector:)]
+                         ? [receiver forwardingTargetForSelector:selector]
+                         : nil;
+    if (named != nil && named != receiver)
+        return callWithObjects(messenger(named, selector), named, selector, arguments);
+
+    const std::string types = "v@:" + std::string(arguments.size(), '@');
+    NSInvocation* invocation =
+        [NSInvocation invocationWithMethodSignature:[NSMethodSignature signatureWithObjCTypes:types.c_str()]];
+    [invocation setTarget:receiver];
+    [invocation setSelector:selector];
+    NSInteger index = 2;
+    for (const auto argument : arguments) {
+        id passed = live(argument);
+        [invocation setArgument:&passed atIndex:index++];
+    }
+    [receiver forwardInvocation:invocation];
 }
 
 } // namespace
@@ -203,27 +224,11 @@ void LiveMessages::call(ImplementationRef implementation, ObjectRef object, Sele
 
 void LiveMessages::forwardInvocation(ObjectRef object, SelectorRef selector, std::span<const ObjectRef> arguments) {
     if (!object || !selector) return;
-    id const receiver = live(object);
-    id const named = [receiver respondsToSelector:@selector(forwardingTargetForSelector:)]
-                         ? [receiver forwardingTargetForSelector:live(selector)]
-                         : nil;
-    if (named != nil && named != receiver)
-        return callWithObjects(messenger(named, live(selector)), named, live(selector), arguments);
-
-    const std::string types = "v@:" + std::string(arguments.size(), '@');
-    NSInvocation* invocation =
-        [NSInvocation invocationWithMethodSignature:[NSMethodSignature signatureWithObjCTypes:types.c_str()]];
-    [invocation setTarget:receiver];
-    [invocation setSelector:live(selector)];
-    NSInteger index = 2;
-    for (const auto argument : arguments) {
-        id passed = live(argument);
-        [invocation setArgument:&passed atIndex:index++];
-    }
     @try {
-        [receiver forwardInvocation:invocation];
+        passOn(live(object), live(selector), arguments);
     } @catch (NSException* exception) {
-        if (!isAboutUnrecognized(exception, receiver, live(selector))) @throw;
+        // Raised by the object itself, or by one that it passes messages on to without asking first.
+        if (!isAboutUnrecognized(exception, live(selector))) @throw;
     }
 }
 
