@@ -35,20 +35,20 @@ check: check-format check-layering check-warnings check-signals check-tidy ## fo
 	@echo "All checks passed."
 
 check-format:
-	@Scripts/install-dependencies build test objc check
+	@Scripts/install-dependencies test check
 	@Scripts/check-format
 
 check-layering:
 	@Scripts/install-dependencies test
 	@Scripts/check-layering
 
+# The builds that the tests need anyway: g++'s, and clang++'s with the sanitizers.
 check-warnings:
-	@Scripts/install-dependencies build test objc check
+	@Scripts/install-dependencies build test objc bench sanitize
 	$(call configured,release)
 	@cmake --build --preset release
-	$(call configured,clang)
-	@cmake --build --preset clang
-	@cmake --build --preset clang --target all_verify_interface_header_sets
+	$(call configured,asan)
+	@cmake --build --preset asan --target all all_verify_interface_header_sets
 
 check-signals:
 	@Scripts/install-dependencies build test objc
@@ -56,7 +56,7 @@ check-signals:
 	@Scripts/check-signal-safety build/release
 
 check-tidy:
-	@Scripts/install-dependencies build test objc check
+	@Scripts/install-dependencies build test objc bench sanitize check
 	$(call configured,clang)
 	@Scripts/check-tidy build/clang $(JOBS)
 
@@ -67,7 +67,7 @@ format: ## lay out all sources the one way
 
 .PHONY: test-asan test-tsan test-valgrind
 test-asan: ## all tests under AddressSanitizer and UndefinedBehaviorSanitizer
-	@Scripts/install-dependencies build test objc sanitize
+	@Scripts/install-dependencies build test objc bench sanitize
 	$(call configured,asan)
 	@cmake --build --preset asan
 	@ctest --preset asan --parallel $(JOBS)

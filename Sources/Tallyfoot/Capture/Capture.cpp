@@ -61,7 +61,6 @@ void Capture::configureSwizzle() noexcept {
     quietly([this] { implementation_->exchanges.exchange(); });
 }
 
-
 // --- Options of an object --------------------------------------------------------------------
 
 std::string Capture::customName(ObjectRef object) const noexcept {

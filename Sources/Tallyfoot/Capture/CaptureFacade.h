@@ -16,9 +16,9 @@ class CaptureFacade {
 public:
     virtual ~CaptureFacade() = default;
 
-    virtual void log(EventType type, Attributes& attributes) = 0; // adds to the attributes, in their place
-    virtual std::string category(ITFClass itfClass) const = 0;    // the custom title, else the class's name
-    virtual bool isIgnored(std::string_view category) const = 0;  // by the host
+    virtual void log(EventType type, Attributes& attributes) = 0;   // adds to the attributes, in their place
+    virtual std::string category(ITFClass itfClass) const = 0;      // the custom title, else the class's name
+    virtual bool isIgnored(std::string_view category) const = 0;    // by the host
     virtual void setCurrentScreenTitle(std::string_view title) = 0; // from here on; "" where no screen is shown
     virtual const DebugConsole& console() const = 0;
     virtual const Clock& clock() const = 0;

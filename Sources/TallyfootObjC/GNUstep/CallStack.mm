@@ -27,13 +27,14 @@ std::vector<Code> beginnings(const std::string& className, std::string_view sele
     std::vector<Code> found;
     const Class aClass = objc_lookUpClass(className.c_str());
     if (aClass == Nil) return found;
+    const std::string prefix = "-[" + className + ' ';
     unsigned count = 0;
     Method* const methods = class_copyMethodList(aClass, &count);
     for (unsigned index = 0; index < count; ++index) {
         const std::string selector = sel_getName(method_getName(methods[index]));
         if (!selector.starts_with(selectorPrefix)) continue;
         found.push_back(reinterpret_cast<Code>(method_getImplementation(methods[index])));
-        if (void* const named = ::dlsym(RTLD_DEFAULT, ("-[" + className + " " + selector + "]").c_str()))
+        if (void* const named = ::dlsym(RTLD_DEFAULT, (prefix + selector + ']').c_str()))
             found.push_back(reinterpret_cast<Code>(named));
     }
     std::free(methods);
