@@ -1,5 +1,7 @@
 #include "Collector/Answer.h"
 
+#include "Collector/JSONText.h"
+
 #include <nlohmann/json.hpp>
 
 namespace tallyfoot::collector {
@@ -8,10 +10,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-std::string rendered(const ordered_json& answer) {
-    return answer.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-}
-
 std::string body(const ordered_json& statusCode, std::string_view information, std::string_view filename,
                  const std::vector<std::string>& success, const std::vector<std::string>& failure) {
     const ordered_json response{{"statusCode", statusCode},
@@ -19,7 +17,7 @@ std::string body(const ordered_json& statusCode, std::string_view information, s
                                 {"filename", filename},
                                 {"success", success},
                                 {"failure", failure}};
-    return rendered({{"data", {{"response", response}}}});
+    return jsonText({{"data", {{"response", response}}}});
 }
 
 void fillFailure(const CheckedUpload& upload, int httpStatus, const std::string& reason, Answer& answer) {
@@ -50,7 +48,7 @@ void fillStatusAnswer(const CheckedUpload& upload, const Fault& fault, Answer& a
         auto parsed = ordered_json::parse(answer.body);
         parsed["data"]["response"]["statusCode"] = fault.statusCode;
         parsed["data"]["response"]["statusCodeInfo"] = "Told to answer so";
-        answer.body = rendered(parsed);
+        answer.body = jsonText(parsed);
     }
     answer.statusCode = fault.statusCode;
 }

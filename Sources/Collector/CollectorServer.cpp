@@ -21,7 +21,7 @@ void answerText(httplib::Response& response, const std::string& text, int status
 }
 
 void answerJSON(httplib::Response& response, const ordered_json& value, int status = 200) {
-    answerText(response, value.dump(-1, ' ', false, ordered_json::error_handler_t::replace), status);
+    answerText(response, jsonText(value), status);
 }
 
 void answerError(httplib::Response& response, int status, const std::string& reason) {
@@ -50,9 +50,8 @@ std::string missList(const std::vector<ExpectMatcher::Miss>& misses) {
     std::string text = "[";
     for (const auto& miss : misses) {
         if (text.size() > 1) text += ',';
-        text += R"({"matched":)" + std::to_string(miss.matched) + R"(,"differences":)"
-                + miss.differences.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + R"(,"event":)"
-                + eventText(miss.event) + "}";
+        text += R"({"matched":)" + std::to_string(miss.matched) + R"(,"differences":)" + jsonText(miss.differences)
+                + R"(,"event":)" + eventText(miss.event) + "}";
     }
     return text + "]";
 }

@@ -1,5 +1,7 @@
 #include "Collector/CollectorStore.h"
 
+#include "Collector/JSONText.h"
+
 #include <nlohmann/json.hpp>
 
 #include <chrono>
@@ -31,20 +33,16 @@ CREATE INDEX IF NOT EXISTS eventsByIdentifier ON events(evtId, accepted);
 CREATE INDEX IF NOT EXISTS eventsByType ON events(evtType);
 )";
 
-std::string rendered(const ordered_json& value) {
-    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-}
-
 std::string headersText(const RequestHead& head) {
     auto headers = ordered_json::array();
     for (const auto& [name, value] : head.headers) headers.push_back({{"name", name}, {"value", value}});
-    return rendered(headers);
+    return jsonText(headers);
 }
 
 std::string fieldsText(const CheckedUpload& upload) {
     auto fields = ordered_json::object();
     for (const auto& [name, value] : upload.fields) fields[name] = value;
-    return rendered(fields);
+    return jsonText(fields);
 }
 
 std::int64_t now() {

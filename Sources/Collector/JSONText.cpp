@@ -55,9 +55,11 @@ std::string prettyPrinted(std::string_view compactObject) {
     return text;
 }
 
-std::string jsonString(std::string_view text) {
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+std::string jsonText(const nlohmann::ordered_json& value) {
+    return value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
+
+std::string jsonString(std::string_view text) { return jsonText(text); }
 
 bool isUTF8(std::string_view text) {
     std::size_t i = 0;

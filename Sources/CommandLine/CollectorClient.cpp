@@ -7,11 +7,11 @@ namespace tallyfoot::commandline {
 namespace {
 
 // Longer than any wait that is asked of the collector.
-constexpr std::chrono::seconds patience{300};
+constexpr std::chrono::seconds longestAnswer{300};
 
 httplib::Client client(int port) {
     httplib::Client made("127.0.0.1", port);
-    made.set_read_timeout(patience);
+    made.set_read_timeout(longestAnswer);
     made.set_tcp_nodelay(true);
     return made;
 }

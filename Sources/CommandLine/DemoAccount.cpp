@@ -8,8 +8,6 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t shownErrors = 20;
-
 const json* uploadNumbered(const json& uploads, std::int64_t number) {
     for (const auto& upload : uploads) {
         if (upload.at("id").get<std::int64_t>() == number) return &upload;

@@ -6,6 +6,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -48,6 +49,8 @@ public:
     const std::vector<std::string>& duplicates() const { return duplicates_; }
 
 private:
+    static constexpr std::size_t shownErrors = 20;
+
     void readCrash(const DemoCrash& crash, const nlohmann::json& item);
     void readEvents(const DemoEvidence& evidence, const nlohmann::json& events);
     void checkUsers(const DemoEvidence& evidence, const nlohmann::json& uploads);

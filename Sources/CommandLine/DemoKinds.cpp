@@ -10,8 +10,6 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t shownErrors = 20;
-
 std::string described(const DemoFacts& facts) {
     return facts.type + " / " + facts.category + " / " + facts.action + " / \"" + facts.label + "\"";
 }

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -42,6 +43,8 @@ public:
     const std::vector<std::string>& errors() const { return errors_; }
 
 private:
+    static constexpr std::size_t shownErrors = 20;
+
     // What the records of a kind look like; those of a kind that gives none, what no record may look like.
     struct Rule {
         bool givesRecords = false;

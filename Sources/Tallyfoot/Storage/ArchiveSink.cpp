@@ -12,11 +12,11 @@ namespace tallyfoot {
 
 namespace {
 
-struct Closing {
+struct ClosingFile {
     void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
 };
 
-using File = std::unique_ptr<std::FILE, Closing>;
+using File = std::unique_ptr<std::FILE, ClosingFile>;
 
 // Under no number of a standard stream that the host has closed: what is meant for the stream would
 // get into the archive.

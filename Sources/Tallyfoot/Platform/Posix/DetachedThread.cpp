@@ -12,7 +12,7 @@ namespace tallyfoot {
 
 namespace {
 
-constexpr std::size_t stackSize = std::size_t{1} << 20U; // address space only, until it is used
+constexpr std::size_t threadStackSize = std::size_t{1} << 20U; // address space only, until it is used
 constexpr std::size_t nameLength = 15;
 
 struct Start {
@@ -43,7 +43,7 @@ bool startDetachedThread(const std::string& label, std::function<void()> body) {
     pthread_attr_t attributes;
     if (::pthread_attr_init(&attributes) != 0) return false;
     ::pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    ::pthread_attr_setstacksize(&attributes, stackSize);
+    ::pthread_attr_setstacksize(&attributes, threadStackSize);
 
     // Blocked already here, because a new thread inherits the mask: no moment is left for a handler.
     const auto blocked = blockedSignals();

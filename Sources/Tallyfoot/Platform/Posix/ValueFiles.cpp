@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t longestName = 255;
 
-bool standsForItself(char byte) {
+bool isKept(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') || byte == '_';
 }
 
@@ -22,7 +22,7 @@ std::string fileName(std::string_view key) {
     std::string name;
     for (const char byte : key) {
         const auto value = static_cast<unsigned char>(byte);
-        if (standsForItself(byte))
+        if (isKept(byte))
             name += byte;
         else
             name += {'%', digits[value >> 4U], digits[value & 0xFU]};
