@@ -139,7 +139,7 @@ TEST_F(ObjCMessages, FindNothingInNilInAnotherTypeAndInWhatRaisesOrIsNotAnswered
     EXPECT_FALSE(messages_.object(reference(object_), reference(@selector(integer))));
     EXPECT_EQ(messages_.truth(reference(object_), reference(@selector(name))), std::nullopt);
     EXPECT_EQ(messages_.integer(reference(object_), reference(@selector(name))), std::nullopt);
-    EXPECT_EQ(messages_.doubleValue(reference(object_), reference(@selector(integer))), std::nullopt);
+    EXPECT_EQ(messages_.doubleValue(reference(object_), reference(@selector(name))), std::nullopt);
     EXPECT_EQ(messages_.timeIntervalSince1970(reference(object_), reference(@selector(name))), std::nullopt);
     EXPECT_EQ(messages_.point(reference(object_), reference(@selector(titleFor:)), {}), std::nullopt);
 }
@@ -152,6 +152,11 @@ TEST_F(ObjCMessages, AskForNumbersInTheWidthTheyHave) {
     EXPECT_EQ(messages_.truth(reference(object_), reference(@selector(plainTruth))), true);
     EXPECT_EQ(messages_.doubleValue(reference(object_), reference(@selector(fraction))), 0.1);
     EXPECT_EQ(messages_.floatValue(reference(object_), reference(@selector(single))), 0.5F);
+    EXPECT_EQ(messages_.doubleValue(reference(object_), reference(@selector(single))), 0.5);
+    EXPECT_EQ(messages_.floatValue(reference(object_), reference(@selector(fraction))), 0.1F);
+    EXPECT_EQ(messages_.doubleValue(reference(object_), reference(@selector(small))), -3);
+    EXPECT_EQ(messages_.truth(reference(object_), reference(@selector(integer))), true);
+    EXPECT_EQ(messages_.integer(reference(object_), reference(@selector(fraction))), std::nullopt);
     EXPECT_EQ(messages_.timeIntervalSince1970(reference(object_), reference(@selector(day))), 1.5);
 }
 

@@ -21,11 +21,15 @@ protected:
 
     void start(); // the application "Shop", a user, an upload address where nobody listens
     std::vector<nlohmann::json> records(const std::string& appName = "Shop") const;
+    // What was recorded since the last time: "type category action label", joined with "; ". What an
+    // event lacks is left out.
+    std::string recorded();
 
     TemporaryFolder root_;
     HostBundle bundle_{"Bundled"};
 
 private:
+    std::size_t seen_ = 0;
     NSAutoreleasePool* pool_ = [[NSAutoreleasePool alloc] init];
 };
 

@@ -83,6 +83,18 @@ std::vector<json> ObjCHost::records(const std::string& appName) const {
     return parsed;
 }
 
+std::string ObjCHost::recorded() {
+    const auto all = records();
+    std::string text;
+    for (; seen_ < all.size(); ++seen_) {
+        std::string event;
+        for (const char* key : {"evtType", "evtCategory", "evtAction", "evtLabel"})
+            if (all[seen_].contains(key)) event += (event.empty() ? "" : " ") + all[seen_][key].get<std::string>();
+        text += (text.empty() ? "" : "; ") + event;
+    }
+    return text;
+}
+
 NSString* tallyfoot::testing::loneSurrogate() { return [[[LoneSurrogate alloc] init] autorelease]; }
 
 @implementation RaisingDictionary

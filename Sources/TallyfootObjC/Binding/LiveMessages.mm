@@ -39,6 +39,7 @@ bool isPoint(std::string_view type) {
 std::optional<std::int64_t> sendForInteger(id object, SEL selector, std::string_view type) {
     if (type.size() != 1) return std::nullopt;
     switch (type.front()) {
+    case 'B': return send<bool>(object, selector);
     case 'c': return send<signed char>(object, selector);
     case 'C': return send<unsigned char>(object, selector);
     case 's': return send<short>(object, selector);
@@ -51,6 +52,15 @@ std::optional<std::int64_t> sendForInteger(id object, SEL selector, std::string_
     case 'Q': return static_cast<std::int64_t>(send<std::uint64_t>(object, selector));
     default: return std::nullopt;
     }
+}
+
+// In whatever type it comes.
+template <class Number>
+std::optional<Number> sendForNumber(id object, SEL selector, std::string_view type) {
+    if (type == "f") return static_cast<Number>(send<float>(object, selector));
+    if (type == "d") return static_cast<Number>(send<double>(object, selector));
+    const auto integer = sendForInteger(object, selector, type);
+    return integer ? std::optional(static_cast<Number>(*integer)) : std::nullopt;
 }
 
 // Asks with nothing that the object raises reaching the caller; nothing then.
@@ -129,10 +139,8 @@ std::optional<std::string> LiveMessages::text(ObjectRef object, SelectorRef sele
 }
 
 std::optional<bool> LiveMessages::truth(ObjectRef object, SelectorRef selector) {
-    return ask<std::optional<bool>>(object, selector, [](id asked, SEL message, const MethodTypes& types, auto& value) {
-        if (types.result() == "B" || types.result() == "c" || types.result() == "C")
-            value = send<unsigned char>(asked, message) != 0;
-    });
+    const auto value = integer(object, selector);
+    return value ? std::optional(*value != 0) : std::nullopt;
 }
 
 std::optional<std::int64_t> LiveMessages::integer(ObjectRef object, SelectorRef selector) {
@@ -145,17 +153,14 @@ std::optional<std::int64_t> LiveMessages::integer(ObjectRef object, SelectorRef 
 std::optional<double> LiveMessages::doubleValue(ObjectRef object, SelectorRef selector) {
     return ask<std::optional<double>>(object, selector,
                                       [](id asked, SEL message, const MethodTypes& types, auto& value) {
-                                          if (types.result() == "d") value = send<double>(asked, message);
-                                          if (types.result() == "f") value = send<float>(asked, message);
+                                          value = sendForNumber<double>(asked, message, types.result());
                                       });
 }
 
 std::optional<float> LiveMessages::floatValue(ObjectRef object, SelectorRef selector) {
     return ask<std::optional<float>>(object, selector,
                                      [](id asked, SEL message, const MethodTypes& types, auto& value) {
-                                         if (types.result() == "f") value = send<float>(asked, message);
-                                         if (types.result() == "d")
-                                             value = static_cast<float>(send<double>(asked, message));
+                                         value = sendForNumber<float>(asked, message, types.result());
                                      });
 }
 

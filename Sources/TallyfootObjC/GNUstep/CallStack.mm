@@ -11,9 +11,11 @@
 #include <unwind.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace tallyfoot::objc {
@@ -22,50 +24,86 @@ namespace {
 
 using Code = std::uintptr_t;
 
-// Where the class's methods begin whose selectors begin so; and functions that bear such a method's symbol.
+// Where the class's methods begin whose selectors begin so.
 std::vector<Code> beginnings(const std::string& className, std::string_view selectorPrefix) {
     std::vector<Code> found;
     const Class aClass = objc_lookUpClass(className.c_str());
     if (aClass == Nil) return found;
-    const std::string prefix = "-[" + className + ' ';
     unsigned count = 0;
     Method* const methods = class_copyMethodList(aClass, &count);
-    for (unsigned index = 0; index < count; ++index) {
-        const std::string selector = sel_getName(method_getName(methods[index]));
-        if (!selector.starts_with(selectorPrefix)) continue;
-        found.push_back(reinterpret_cast<Code>(method_getImplementation(methods[index])));
-        if (void* const named = ::dlsym(RTLD_DEFAULT, (prefix + selector + ']').c_str()))
-            found.push_back(reinterpret_cast<Code>(named));
-    }
+    for (unsigned index = 0; index < count; ++index)
+        if (std::string_view(sel_getName(method_getName(methods[index]))).starts_with(selectorPrefix))
+            found.push_back(reinterpret_cast<Code>(method_getImplementation(methods[index])));
     std::free(methods);
     return found;
 }
 
+// Functions that bear such a method's symbol. The linker is asked about each function once: a call stack
+// has many, and they are the same ones at every move of a finger.
+class Symbols {
+public:
+    explicit Symbols(std::string_view marker) : marker_(marker) {}
+
+    bool contain(Code begins) {
+        if (isKnown_.size() > mostKnown) isKnown_.clear();
+        const auto [place, isNew] = isKnown_.try_emplace(begins, false);
+        if (isNew) place->second = bearsMarker(begins);
+        return place->second;
+    }
+
+    std::string_view marker() const { return marker_; }
+
+private:
+    static constexpr std::size_t mostKnown = 4096;
+
+    bool bearsMarker(Code begins) const {
+        Dl_info symbol;
+        return ::dladdr(reinterpret_cast<void*>(begins), &symbol) != 0 && symbol.dli_sname != nullptr
+               && reinterpret_cast<Code>(symbol.dli_saddr) == begins
+               && std::string_view(symbol.dli_sname).find(marker_) != std::string_view::npos;
+    }
+
+    std::string marker_;
+    std::unordered_map<Code, bool> isKnown_;
+};
+
+Symbols& symbolsWith(std::string_view marker) {
+    thread_local std::vector<Symbols> all; // one for each marker, of which there are two
+    const auto place = std::find_if(all.begin(), all.end(), [&](const auto& one) { return one.marker() == marker; });
+    return place == all.end() ? all.emplace_back(marker) : *place;
+}
+
 struct Search {
     const std::vector<Code>& beginnings;
+    Symbols& symbols;
     bool isFound = false;
 };
 
 _Unwind_Reason_Code look(_Unwind_Context* frame, void* argument) {
     auto& search = *static_cast<Search*>(argument);
     const auto begins = static_cast<Code>(_Unwind_GetRegionStart(frame));
-    search.isFound = std::find(search.beginnings.begin(), search.beginnings.end(), begins) != search.beginnings.end();
+    search.isFound = std::find(search.beginnings.begin(), search.beginnings.end(), begins) != search.beginnings.end()
+                     || search.symbols.contain(begins);
     return search.isFound ? _URC_NORMAL_STOP : _URC_NO_REASON;
 }
 
-IMP symbolsMethod() {
-    // By name: while this library is loaded, its own references to classes and selectors are not yet in place.
-    const Method method = class_getClassMethod(objc_lookUpClass("NSThread"), sel_registerName("callStackSymbols"));
-    return method ? method_getImplementation(method) : nullptr;
+const void* imageOf(const void* address) {
+    Dl_info image;
+    return ::dladdr(address, &image) != 0 ? image.dli_fbase : nullptr;
 }
 
-IMP foundationsOwn = nullptr;
-
-__attribute__((constructor)) void rememberFoundationsOwn() { foundationsOwn = symbolsMethod(); }
+bool isFoundationsOwn(IMP symbolsMethod) {
+    static std::atomic<IMP> known = nullptr;
+    if (symbolsMethod == known.load(std::memory_order_relaxed)) return true;
+    if (imageOf(reinterpret_cast<const void*>(symbolsMethod)) != imageOf((const void*)[NSThread class])) return false;
+    known.store(symbolsMethod, std::memory_order_relaxed);
+    return true;
+}
 
 // Whoever has given the thread another account of its call stack means it.
 bool isAmongSymbols(std::string_view marker) {
-    if (symbolsMethod() == foundationsOwn) return false;
+    const Method method = class_getClassMethod([NSThread class], @selector(callStackSymbols));
+    if (method == nullptr || isFoundationsOwn(method_getImplementation(method))) return false;
     NSString* expected = string(marker);
     for (NSString* symbol in [NSThread callStackSymbols])
         if ([symbol rangeOfString:expected].location != NSNotFound) return true;
@@ -78,8 +116,8 @@ bool callStackContains(std::string_view marker) {
     const auto space = marker.find(' ');
     if (space == std::string_view::npos) return isAmongSymbols(marker);
     const auto expected = beginnings(std::string(marker.substr(0, space)), marker.substr(space + 1));
-    Search search{expected};
-    if (!expected.empty()) _Unwind_Backtrace(look, &search);
+    Search search{expected, symbolsWith(marker)};
+    _Unwind_Backtrace(look, &search);
     return search.isFound || isAmongSymbols(marker);
 }
 
