@@ -86,7 +86,7 @@ test-valgrind: ## ten thousand interactions in Objective-C under valgrind
 
 .PHONY: bench
 bench: ## the ratios that the library promises, measured here
-	@Scripts/install-dependencies build bench
+	@Scripts/install-dependencies build bench objc
 	$(call configured,bench)
 	@cmake --build --preset bench
 	@Scripts/run-benchmarks build/bench

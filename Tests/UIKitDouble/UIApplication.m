@@ -41,16 +41,21 @@
     return [_delegate respondsToSelector:action] ? _delegate : nil;
 }
 
+// An action's name says what it takes: nothing, its sender, or the event, too.
+static NSUInteger argumentCount(SEL action) {
+    NSUInteger count = 0;
+    for (const char* name = sel_getName(action); *name; ++name) count += *name == ':';
+    return count;
+}
+
 - (BOOL)sendAction:(SEL)action to:(id)target from:(id)sender forEvent:(UIEvent*)event {
     if (!action) return NO;
     id taker = target ? target : [self _takerOfAction:action from:sender];
     if (!taker) return NO;
-    NSMethodSignature* signature = [taker methodSignatureForSelector:action];
-    IMP implementation = [taker methodForSelector:action];
-    switch ([signature numberOfArguments]) {
-    case 2: ((void (*)(id, SEL))implementation)(taker, action); break;
-    case 3: ((void (*)(id, SEL, id))implementation)(taker, action, sender); break;
-    case 4: ((void (*)(id, SEL, id, id))implementation)(taker, action, sender, event); break;
+    switch (argumentCount(action)) {
+    case 0: [taker performSelector:action]; break;
+    case 1: [taker performSelector:action withObject:sender]; break;
+    case 2: [taker performSelector:action withObject:sender withObject:event]; break;
     default: [taker doesNotRecognizeSelector:action]; return NO;
     }
     return YES;
