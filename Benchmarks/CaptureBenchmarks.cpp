@@ -79,6 +79,7 @@ public:
     bool respondsToSelector(ObjectRef, SelectorRef) override { return false; }
     void addTarget(ObjectRef, ObjectRef, SelectorRef) override {}
     bool callStackSymbolsContain(std::string_view) override { return false; }
+    std::optional<ScreenBounds> mainScreenBounds() override { return {}; }
 
     Code code(MethodBody) override { return {}; }
 

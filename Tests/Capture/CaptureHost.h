@@ -36,6 +36,7 @@ public:
     std::string category(ITFClass itfClass) const override { return tallyfoot::category(itfClass, titles); }
     bool isIgnored(std::string_view category) const override { return ignored.contains(category); }
     void setCurrentScreenTitle(std::string_view title) override { currentScreenTitle = title; }
+    void setScreenSize(ScreenBounds bounds) override { screenSizes.push_back(bounds.width); }
     const DebugConsole& console() const override { return debugConsole; }
     const Clock& clock() const override { return manualClock; }
 
@@ -43,6 +44,7 @@ public:
     std::set<std::string, std::less<>> ignored;
     std::vector<RecordedEvent> events;
     std::string currentScreenTitle;
+    std::vector<double> screenSizes; // their widths
     std::atomic<bool> showOutput = true;
     RecordingConsole output;
     ManualClock manualClock;

@@ -45,6 +45,20 @@ TEST_F(ScreenTrackingTest, NeitherHookRunsThePlatformsOwn) {
     EXPECT_THAT(host_.journal, IsEmpty());
 }
 
+TEST_F(ScreenTrackingTest, TheSizeOfTheMainScreenIsToldWhenAskedForAndWhenAScreenAppears) {
+    host_.runtime.mainScreen = {390, 844};
+    host_.capture.reportScreenSize();
+    host_.runtime.mainScreen = {844, 390};
+    appear(screen_);
+    EXPECT_THAT(host_.facade.screenSizes, ElementsAre(390, 844));
+}
+
+TEST_F(ScreenTrackingTest, APlatformWithoutAScreenTellsNoSize) {
+    host_.capture.reportScreenSize();
+    appear(screen_);
+    EXPECT_THAT(host_.facade.screenSizes, IsEmpty());
+}
+
 TEST_F(ScreenTrackingTest, TheTitleOfTheNavigationItemStandsInForNone) {
     const auto item = host_.make("UINavigationItem", {{"title", std::string("Item")}});
     const auto screen = host_.make("UIViewController", {{"navigationItem", item}});

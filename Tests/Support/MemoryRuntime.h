@@ -59,6 +59,7 @@ public:
 
     std::vector<std::string> callStackSymbols;
     int callStackLooks = 0;
+    std::optional<ScreenBounds> mainScreen;
 
     // --- ObjectiveCRuntime -------------------------------------------------------------------------
 
@@ -105,6 +106,7 @@ public:
     bool respondsToSelector(ObjectRef, SelectorRef) override;
     void addTarget(ObjectRef recognizer, ObjectRef target, SelectorRef action) override;
     bool callStackSymbolsContain(std::string_view marker) override;
+    std::optional<ScreenBounds> mainScreenBounds() override { return mainScreen; }
 
 private:
     struct Class;

@@ -27,7 +27,7 @@
     }
     UITabBarController* tabs = [[[UITabBarController alloc] init] autorelease];
     tabs.viewControllers = stacks;
-    _window = [[UIWindow alloc] initWithFrame:CGRectMake(0, 0, 320, 568)];
+    _window = [[UIWindow alloc] initWithFrame:[UIScreen mainScreen].bounds];
     _window.rootViewController = tabs;
     [_window makeKeyAndVisible];
     return YES;

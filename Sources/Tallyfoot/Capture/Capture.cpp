@@ -29,13 +29,14 @@ void quietly(Block&& block) noexcept {
 } // namespace
 
 struct Capture::Implementation {
-    Implementation(const CaptureBinding& binding, CaptureFacade& facade)
-        : platform(binding), exchanges(platform), options(platform.runtime), screens(facade), actions(facade),
-          gestures(actions), delegateHooks(platform), selections(facade) {}
+    Implementation(const CaptureBinding& binding, CaptureFacade& itsFacade)
+        : platform(binding), facade(itsFacade), exchanges(platform), options(platform.runtime), screens(facade),
+          actions(facade), gestures(actions), delegateHooks(platform), selections(facade) {}
 
     PlatformObject object(ObjectRef reference) const { return {platform, reference}; }
 
     const CapturePlatform platform;
+    CaptureFacade& facade;
     const Exchanges exchanges;
     const CustomOptions options;
     ScreenTracking screens;
@@ -59,6 +60,13 @@ void Capture::configureSwizzle() noexcept {
     if (implementation_->isInstalled.exchange(true)) return; // a second time would undo the first
     prepare();
     quietly([this] { implementation_->exchanges.exchange(); });
+}
+
+void Capture::reportScreenSize() noexcept {
+    quietly([this] {
+        if (const auto bounds = implementation_->platform.messages.mainScreenBounds())
+            implementation_->facade.setScreenSize(*bounds);
+    });
 }
 
 // --- Options of an object --------------------------------------------------------------------
@@ -102,6 +110,7 @@ bool Capture::swizzledSendAction(SelectorRef action, ObjectRef sender, FunctionR
 
 // These two do not run the platform's own, which do nothing.
 void Capture::swizzledViewWillAppear(ObjectRef controller) noexcept {
+    reportScreenSize();
     quietly([&] { implementation_->screens.willAppear(implementation_->object(controller)); });
 }
 

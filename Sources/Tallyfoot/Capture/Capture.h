@@ -29,6 +29,9 @@ public:
     void prepare() noexcept;
     // The ten exchanges. A class or selector that is missing is skipped. Once; never undone.
     void configureSwizzle() noexcept;
+    // Tells the facade how big the main screen is, for uploads run on threads that may not ask the platform.
+    // When a host switches the library on; each screen that appears does it again, for devices are turned.
+    void reportScreenSize() noexcept;
 
     // --- Options of an object ------------------------------------------------------------------
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tallyfoot/Capture/References.h"
+#include "Tallyfoot/Platform/Screen.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -53,6 +54,9 @@ public:
 
     // --- Whether an entry of the thread's call-stack symbols contains this ("UIControl touchesEnded").
     virtual bool callStackSymbolsContain(std::string_view marker) = 0;
+
+    // --- The bounds of UIScreen's main screen; absent where there is none. Main thread.
+    virtual std::optional<ScreenBounds> mainScreenBounds() = 0;
 };
 
 } // namespace tallyfoot

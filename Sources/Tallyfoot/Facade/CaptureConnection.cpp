@@ -20,6 +20,7 @@ public:
         return facade().pipeline.context()->ignoreClasses.contains(category);
     }
     void setCurrentScreenTitle(std::string_view title) override { facade().pipeline.setCurrentScreenTitle(title); }
+    void setScreenSize(ScreenBounds bounds) override { Tallyfoot::setScreenSize(bounds.width, bounds.height); }
     const DebugConsole& console() const override {
         static const auto& console =
             *new DebugConsole(*defaultPlatformServices().console, processSettings().showOutput);

@@ -28,6 +28,7 @@ public:
     void addTarget(ObjectRef recognizer, ObjectRef target, SelectorRef action) override;
 
     bool callStackSymbolsContain(std::string_view marker) override;
+    std::optional<ScreenBounds> mainScreenBounds() override;
 };
 
 } // namespace tallyfoot::objc

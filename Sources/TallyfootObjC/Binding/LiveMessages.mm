@@ -22,6 +22,12 @@ struct PlatformPoint {
     CGFloat y;
 };
 
+struct PlatformRectangle {
+    PlatformPoint origin;
+    CGFloat width;
+    CGFloat height;
+};
+
 bool isObject(std::string_view type) { return type.starts_with('@'); }
 
 bool isInteger(std::string_view type) {
@@ -34,6 +40,14 @@ bool isPoint(std::string_view type) {
     const auto members = type.find('=');
     return type.starts_with('{') && members != std::string_view::npos
            && type.substr(members) == own.substr(own.find('='));
+}
+
+// Two structures in one, whose names say nothing: only what they are made of.
+bool isRectangle(std::string_view type) {
+    const std::string members = std::string("=") + @encode(CGFloat) + @encode(CGFloat) + "}";
+    const auto first = type.find(members);
+    const auto second = first == std::string_view::npos ? first : type.find(members, first + members.size());
+    return type.starts_with('{') && second != std::string_view::npos && type.substr(second + members.size()) == "}";
 }
 
 std::optional<std::int64_t> sendForInteger(id object, SEL selector, std::string_view type) {
@@ -249,6 +263,17 @@ void LiveMessages::addTarget(ObjectRef recognizer, ObjectRef target, SelectorRef
 
 bool LiveMessages::callStackSymbolsContain(std::string_view marker) {
     return guardedValue<bool>([&] { return callStackContains(marker); });
+}
+
+std::optional<ScreenBounds> LiveMessages::mainScreenBounds() {
+    const ObjectRef screens{(void*)objc_lookUpClass("UIScreen")};
+    const auto screen = object(screens, reference(@selector(mainScreen)));
+    return ask<std::optional<ScreenBounds>>(screen, reference(@selector(bounds)),
+                                            [](id asked, SEL message, const MethodTypes& types, auto& value) {
+                                                if (!isRectangle(types.result())) return;
+                                                const auto bounds = sendForStructure<PlatformRectangle>(asked, message);
+                                                value = ScreenBounds{bounds.width, bounds.height};
+                                            });
 }
 
 } // namespace tallyfoot::objc

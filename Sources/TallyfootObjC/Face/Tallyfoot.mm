@@ -54,6 +54,11 @@ bool guardedInPool(tallyfoot::FunctionRef<void()> block) {
     return isCompleted;
 }
 
+// UIKit may be asked on the main thread only; from any other the size stays what it was.
+void reportScreenSize() {
+    if ([NSThread isMainThread]) capture().reportScreenSize();
+}
+
 // What the block raises goes on as C++'s own kind, which the recorder deals with; nil goes on as nothing,
 // which it does not forgive.
 std::shared_ptr<tallyfoot::Authentication> ask(const void* block) {
@@ -86,8 +91,10 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 + (void)configure:(UploadConfiguration*)configuration
             ignoreClasses:(NSArray*)ignoreClasses
     authenticationClosure:(AuthenticationBlock)authenticationClosure {
-    guardedInPool(
-        [&] { Facade::configure(record(configuration), texts(ignoreClasses), closure(authenticationClosure)); });
+    guardedInPool([&] {
+        reportScreenSize();
+        Facade::configure(record(configuration), texts(ignoreClasses), closure(authenticationClosure));
+    });
 }
 
 + (ApplicationInfo*)appInfo {
@@ -96,6 +103,7 @@ Facade::AuthenticationClosure closure(AuthenticationBlock block) {
 
 + (void)setAppInfo:(ApplicationInfo*)appInfo {
     guardedInPool([&] {
+        reportScreenSize();
         const auto info = record(appInfo);
         lastAppInfo().keep(info ? appInfo : nil, info.get());
         Facade::setAppInfo(info);

@@ -25,6 +25,7 @@
 #import "UIRefreshControl.h"
 #import "UIResponder.h"
 #import "UIRotationGestureRecognizer.h"
+#import "UIScreen.h"
 #import "UIScrollView.h"
 #import "UISearchBar.h"
 #import "UISearchController.h"
