@@ -43,6 +43,12 @@ find_library(TALLYFOOT_BLOCKS_LIBRARY BlocksRuntime)
 if(NOT TALLYFOOT_BLOCK_HEADER OR NOT TALLYFOOT_BLOCKS_LIBRARY)
   list(APPEND TallyfootFoundation_MISSING "the blocks runtime (libblocksruntime-dev)")
 endif()
+# A language that is on already has its compiler, and only clang knows these options.
+foreach(language OBJC OBJCXX)
+  if(CMAKE_${language}_COMPILER_ID AND NOT CMAKE_${language}_COMPILER_ID MATCHES "Clang")
+    list(APPEND TallyfootFoundation_MISSING "clang as CMAKE_${language}_COMPILER, not ${CMAKE_${language}_COMPILER}")
+  endif()
+endforeach()
 mark_as_advanced(TALLYFOOT_OBJC_COMPILER TALLYFOOT_GNUSTEP_HEADERS TALLYFOOT_GNUSTEP_LIBRARY
   TALLYFOOT_BLOCK_HEADER TALLYFOOT_BLOCKS_LIBRARY)
 if(TallyfootFoundation_MISSING)

@@ -25,9 +25,5 @@ install(FILES "${generated}/TallyfootConfig.cmake" "${generated}/TallyfootConfig
   DESTINATION "${tallyfoot_package_folder}")
 install(DIRECTORY "${CMAKE_CURRENT_LIST_DIR}/GNUstep" DESTINATION "${tallyfoot_package_folder}")
 
-# Relative to where the file lies, so that neither --prefix nor a move makes it wrong.
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE libdir)
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE includedir)
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" OUTPUT_VARIABLE up)
-configure_file("${CMAKE_CURRENT_LIST_DIR}/Tallyfoot.pc.in" "${generated}/Tallyfoot.pc" @ONLY)
-install(FILES "${generated}/Tallyfoot.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+include(TallyfootPkgConfig)
+tallyfoot_install_pkgconfig(Tallyfoot)

@@ -1,6 +1,7 @@
 """Builds and runs a host outside the tree, as its developers would.
 
     PackageTests.py <test> --source <tree> --build <its build> --work <folder> --cmake <cmake> --compiler <c++>
+                           --targets <all that is installed, with commas>
 """
 
 import argparse
@@ -34,7 +35,7 @@ def run(*command, environment=None, expect_success=True):
 class PackageTests:
     def __init__(self, given, scratch):
         self.source, self.build, self.work = Path(given.source), Path(given.build), Path(given.work)
-        self.cmake, self.compiler = given.cmake, given.compiler
+        self.cmake, self.compiler, self.targets = given.cmake, given.compiler, given.targets.split(",")
         self.prefix = self.work / "prefix"
         self.scratch = scratch
 
@@ -43,6 +44,8 @@ class PackageTests:
     def Install(self):
         """Installed in one place and moved to another: nothing in the package knows where it was."""
         shutil.rmtree(self.work, ignore_errors=True)
+        # All that is installed, of a tree of which perhaps one room was built.
+        run(self.cmake, "--build", self.build, "--target", *self.targets)
         run(self.cmake, "--install", self.build, "--prefix", self.work / "elsewhere")
         (self.work / "elsewhere").rename(self.prefix)
 
@@ -74,12 +77,47 @@ class PackageTests:
 
     def ObjectiveC(self):
         """In plain Objective-C, whatever compiles the C++."""
-        project = Path(shutil.copytree(self.source / "Examples/ObjCHost", self.scratch / "ObjCHost"))
-        self.configure(project, self.prefix, f"-DCMAKE_OBJC_COMPILER={shutil.which('clang')}")
-        run(self.cmake, "--build", self.scratch / "build")
-        host = self.scratch / "build/ObjCHost"
+        host = self.build_objective_c_with_cmake("Examples/ObjCHost")
         self.expect("libTallyfootObjC.so" in run("readelf", "--dynamic", host), "the host does not use the library")
-        self.run_host(host, ends="token token-1, path no such path\n", records=RECORDS_OF_THE_OBJECTIVE_C_HOST)
+        self.run_objective_c_host(host)
+
+    def ObjectiveCStatic(self):
+        host = self.build_objective_c_with_cmake("Examples/ObjCHost", "-DHOST_STATIC=ON")
+        self.expect("libTallyfoot" not in run("readelf", "--dynamic", host), "the host still wants a shared library")
+        self.run_objective_c_host(host)
+
+    def ObjectiveCPkgConfigShared(self):
+        host = self.build_objective_c_with_pkg_config("--cflags", "--libs")
+        self.run_objective_c_host(host, LD_LIBRARY_PATH=self.libraries())
+
+    def ObjectiveCPkgConfigStatic(self):
+        host = self.build_objective_c_with_pkg_config("--cflags", "--static", "--libs", archive=True)
+        self.expect("libTallyfoot" not in run("readelf", "--dynamic", host), "the host still wants a shared library")
+        self.run_objective_c_host(host)
+
+    def CapturesAnAppOnAnotherStandInForUIKit(self):
+        """Two taps and a screen; the third tap is on a button that is not to be logged."""
+        app = self.build_objective_c_with_cmake("Tests/Package/App")
+        output = self.run_host(app, ends="bought with Buy\n" * 3, records=3)
+        labels = [line for line in output.splitlines() if line.startswith('"evtLabel: ')]
+        self.expect(labels == ['"evtLabel: Buy"', '"evtLabel: Buy now"', '"evtLabel: Basket"'], output)
+        self.expect(output.count('"deviceScrnDim: 390-844"') == 3, output)
+
+    def NamesAComponentThatIsMissing(self):
+        output = self.configure_without_success("Examples/ObjCHost", self.prefix_without_objective_c())
+        self.expect("this package was built without Tallyfoot::ObjC" in output, output)
+
+    def NamesAComponentThatIsUnknown(self):
+        project = self.copy_of("Examples/Host")
+        text = (project / "CMakeLists.txt").read_text(encoding="utf-8")
+        (project / "CMakeLists.txt").write_text(text.replace("REQUIRED)", "REQUIRED COMPONENTS Swift)"), encoding="utf-8")
+        output = " ".join(self.configure(project, self.prefix, expect_success=False).split())
+        self.expect("Tallyfoot has no component Swift; it has Shared, Static and ObjC" in output, output)
+
+    def PlaysTheDemo(self):
+        """The tool alone: the shop is built in the tree only, and a plain host plays its part."""
+        output = self.run_alone(self.prefix / "bin/tallyfoot", "demo", "--quick")
+        self.expect("so a plain host plays its part" in output and "the same\n" in output, output)
 
     def ExportsOnlyItsClasses(self):
         symbols = run("nm", "--dynamic", "--defined-only", self.libraries() / "libTallyfootObjC.so")
@@ -123,18 +161,10 @@ class PackageTests:
         self.expect(not strangers, "exported, but not public:\n" + "\n".join(strangers))
 
     def InstallsWhatItsHeadersInclude(self):
-        """The installed headers are those that the umbrella header reaches, no fewer and no more."""
-        root = self.prefix / "include"
-        reached, ahead = set(), ["Tallyfoot/Tallyfoot.h"]
-        while ahead:
-            header = ahead.pop()
-            if header in reached:
-                continue
-            reached.add(header)
-            ahead += re.findall(r'^#include "(Tallyfoot/[^"]+)"', (root / header).read_text(encoding="utf-8"), re.MULTILINE)
-        installed = {path.relative_to(root).as_posix() for path in self.installed_headers()}
-        self.expect(installed == reached, f"not installed: {sorted(reached - installed)}\n"
-                                          f"installed for nothing: {sorted(installed - reached)}")
+        self.expect_what_is_reached_from("Tallyfoot/Tallyfoot.h")
+
+    def InstallsWhatItsObjectiveCHeadersImport(self):
+        self.expect_what_is_reached_from("TallyfootObjC/TallyfootObjC.h", "TallyfootObjC/TallyfootUIKit.h")
 
     def StaysInAProcessThatUnloadsIt(self):
         """Its threads run until the process ends: a plugin that goes must not take their code away."""
@@ -149,14 +179,42 @@ class PackageTests:
     def libraries(self):
         return next(self.prefix.rglob("libTallyfoot.so")).parent
 
-    def installed_headers(self):
-        return sorted((self.prefix / "include/Tallyfoot").rglob("*.h"))
+    def installed_headers(self, library="Tallyfoot"):
+        return sorted((self.prefix / "include" / library).rglob("*.h"))
+
+    def expect_what_is_reached_from(self, *umbrellas):
+        """The installed headers are those that the umbrella headers reach, no fewer and no more."""
+        root = self.prefix / "include"
+        library = umbrellas[0].split("/")[0]
+        reached, ahead = set(), list(umbrellas)
+        while ahead:
+            header = ahead.pop()
+            if header in reached:
+                continue
+            reached.add(header)
+            ahead += re.findall(rf'^#(?:include|import) ["<]({library}/[^">]+)[">]',
+                                (root / header).read_text(encoding="utf-8"), re.MULTILINE)
+        installed = {path.relative_to(root).as_posix() for path in self.installed_headers(library)}
+        self.expect(installed == reached, f"not installed: {sorted(reached - installed)}\n"
+                                          f"installed for nothing: {sorted(installed - reached)}")
 
     def launcher(self):
         return ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
 
+    def copy_of(self, project):
+        return Path(shutil.copytree(self.source / project, self.scratch / Path(project).name))
+
     def copy_of_the_host(self):
-        return Path(shutil.copytree(self.source / "Examples/Host", self.scratch / "Host"))
+        return self.copy_of("Examples/Host")
+
+    def prefix_without_objective_c(self):
+        prefix = Path(shutil.copytree(self.prefix, self.scratch / "prefix", symlinks=True))
+        for file in prefix.rglob("TallyfootObjC*.cmake"):
+            file.unlink()
+        return prefix
+
+    def configure_without_success(self, project, prefix):
+        return " ".join(self.configure(self.copy_of(project), prefix, expect_success=False).split())
 
     def configure(self, project, prefix, *options, expect_success=True):
         return run(self.cmake, "-S", project, "-B", self.scratch / "build", "-G", "Ninja",
@@ -169,25 +227,48 @@ class PackageTests:
         return self.scratch / "build/Host"
 
     def build_with_pkg_config(self, *questions, archive=False):
+        return self.build_with_flags("Tallyfoot", questions, archive, self.compiler, "-std=c++20",
+                                     self.copy_of_the_host() / "main.cpp")
+
+    def build_with_flags(self, package, questions, archive, *command):
         environment = {**os.environ, "PKG_CONFIG_PATH": str(self.libraries() / "pkgconfig")}
-        flags = run("pkg-config", *questions, "Tallyfoot", environment=environment)
+        flags = run("pkg-config", *questions, package, environment=environment)
         if archive:
-            flags = flags.replace("-lTallyfoot", "-l:libTallyfoot.a")
+            flags = re.sub(r"-l(Tallyfoot\w*)", r"-l:lib\1.a", flags)
         host = self.scratch / "host"
-        run(self.compiler, "-std=c++20", self.copy_of_the_host() / "main.cpp", "-o", host, *flags.split())
+        run(*command, "-o", host, *flags.split())
         return host
 
+    def build_objective_c_with_cmake(self, project, *options):
+        copy = self.copy_of(project)
+        self.configure(copy, self.prefix, *options)
+        run(self.cmake, "--build", self.scratch / "build")
+        return self.scratch / "build" / copy.name
+
+    def build_objective_c_with_pkg_config(self, *questions, archive=False):
+        return self.build_with_flags("TallyfootObjC", questions, archive, "clang",
+                                     self.copy_of("Examples/ObjCHost") / "main.m")
+
+    def run_objective_c_host(self, host, **variables):
+        self.run_host(host, ends="token token-1, path no such path\n", records=RECORDS_OF_THE_OBJECTIVE_C_HOST,
+                      **variables)
+
     def run_host(self, host, ends="token token-1, type screen, key pgName\n", records=RECORDS_OF_THE_HOST, **variables):
-        """Runs it in a home of its own, without a server; its records must be on disk afterwards."""
+        """Runs it without a server; its records must be on disk afterwards. Returns its output."""
+        output = self.run_alone(host, **variables)
+        self.expect(output.endswith(ends), output)
+        logs = sorted((self.scratch / "home/.local/share/Tallyfoot/Shop").rglob("*.log"))
+        found = sum(path.read_bytes().count(b"jsonsplit") for path in logs)
+        self.expect(found == records, f"{found} records in {logs}")
+        return output
+
+    def run_alone(self, *command, **variables):
+        """In a home of its own."""
         home = self.scratch / "home"
         home.mkdir()
         environment = {name: value for name, value in os.environ.items() if not name.startswith(("XDG_", "TALLYFOOT_"))}
         environment |= {"HOME": str(home)} | {name: str(value) for name, value in variables.items()}
-        output = run(host, environment=environment)
-        self.expect(output.endswith(ends), output)
-        logs = sorted((home / ".local/share/Tallyfoot/Shop").rglob("*.log"))
-        found = sum(path.read_bytes().count(b"jsonsplit") for path in logs)
-        self.expect(found == records, f"{found} records in {logs}")
+        return run(*command, environment=environment)
 
     @staticmethod
     def expect(truth, otherwise):
@@ -198,7 +279,7 @@ class PackageTests:
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("test")
-    for name in ("source", "build", "work", "cmake", "compiler"):
+    for name in ("source", "build", "work", "cmake", "compiler", "targets"):
         parser.add_argument(f"--{name}", required=True)
     given = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="tallyfoot-package-") as scratch:
