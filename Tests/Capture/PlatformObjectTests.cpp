@@ -59,5 +59,13 @@ TEST(PlatformObject, APropertyOfAnotherTypeIsAbsent) {
     EXPECT_FALSE(object.object(Message::view));
 }
 
+TEST(PlatformObject, NothingIsFoundByNil) {
+    CaptureHost host;
+    const auto cell = host.make("UITableViewCell");
+    const auto table = host.object(host.make("UITableView", {{"cellForRowAtIndexPath:", cell}}));
+    EXPECT_TRUE(table.object(Message::cellForRowAtIndexPath, host.make("NSObject")));
+    EXPECT_FALSE(table.object(Message::cellForRowAtIndexPath, ObjectRef{}));
+}
+
 } // namespace
 } // namespace tallyfoot::testing

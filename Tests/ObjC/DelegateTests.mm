@@ -193,6 +193,26 @@ TEST_F(ObjCDelegates, MayHaveNoRootInCommonWithOthers) {
     [proxy release];
 }
 
+// The platform's messages name no types: what a proxy passes on goes by its target's encoding then.
+TEST_F(ObjCDelegates, MayPassOnByTheEncodingOfTheAddedMethod) {
+    Indifferent* target = [[[Indifferent alloc] init] autorelease];
+    Standing* proxy = before([Standing alloc], target);
+    tapRow(proxy, probe_);
+    EXPECT_EQ(recorded(), selected);
+    const SEL selector = @selector(tableView:didSelectRowAtIndexPath:);
+    NSMethodSignature* signature = [target methodSignatureForSelector:selector];
+    EXPECT_STREQ([signature getArgumentTypeAtIndex:3], "i");
+    UITableView* table = [[[UITableView alloc] initWithFrame:CGRectMake(0, 0, 320, 440)] autorelease];
+    NSIndexPath* indexPath = [NSIndexPath indexPathForRow:1 inSection:0];
+    NSInvocation* invocation = [NSInvocation invocationWithMethodSignature:signature];
+    [invocation setSelector:selector];
+    [invocation setArgument:&table atIndex:2];
+    [invocation setArgument:&indexPath atIndex:3];
+    [invocation invokeWithTarget:target];
+    EXPECT_EQ(recorded(), "selection UITableView Cell Selected ");
+    [proxy release];
+}
+
 TEST_F(ObjCDelegates, ThatPassOnToADelegateAreRecordedOnce) {
     tapRow(probe_, probe_);
     recorded();

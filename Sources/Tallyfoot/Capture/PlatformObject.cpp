@@ -63,7 +63,8 @@ PlatformObject PlatformObject::object(Message message) const {
 }
 
 PlatformObject PlatformObject::object(Message message, ObjectRef argument) const {
-    return {*platform_, object_ ? platform_->messages.object(object_, selector(message), argument) : ObjectRef{}};
+    const bool isAsked = object_ && argument;
+    return {*platform_, isAsked ? platform_->messages.object(object_, selector(message), argument) : ObjectRef{}};
 }
 
 PlatformObject PlatformObject::object(Message message, Point argument) const {

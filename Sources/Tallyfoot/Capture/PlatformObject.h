@@ -33,8 +33,8 @@ public:
     std::optional<double> doubleValue(Message message) const;
     std::optional<float> floatValue(Message message) const;
     std::optional<double> timeIntervalSince1970(Message message) const;
-    PlatformObject object(Message message) const; // nil where absent
-    PlatformObject object(Message message, ObjectRef argument) const;
+    PlatformObject object(Message message) const;                     // nil where absent
+    PlatformObject object(Message message, ObjectRef argument) const; // nil for a nil argument, too
     PlatformObject object(Message message, Point argument) const;
     std::optional<Point> point(Message message, ObjectRef argument) const;
 

@@ -5,6 +5,7 @@
 #include "TallyfootObjC/Binding/Messenger.h"
 #include "TallyfootObjC/Support/Text.h"
 
+#include <cstdint>
 #include <string>
 
 namespace tallyfoot::objc {
@@ -57,8 +58,16 @@ void told(id self, SEL, id sender) {
     capture().swizzledCallback(callback, reference(self), reference(sender));
 }
 
+// Selections are added to delegates with an encoding that calls their item an int. Who passes one on by that
+// encoding, as proxies do, hands over the lower half of the item's address, extended. Nothing lies there.
+bool isHalfAnAddress(id item, id sender) {
+    const auto upperHalf = [](id object) { return std::int64_t{reinterpret_cast<std::intptr_t>(object)} >> 32; };
+    return item != nil && upperHalf(sender) != 0 && (upperHalf(item) == 0 || upperHalf(item) == -1);
+}
+
 template <MethodBody callback>
 void toldOfItem(id self, SEL, id sender, id item) {
+    if (isHalfAnAddress(item, sender)) item = nil;
     capture().swizzledCallback(callback, reference(self), reference(sender), reference(item));
 }
 
