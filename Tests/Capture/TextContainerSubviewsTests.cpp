@@ -61,6 +61,20 @@ TEST_F(TextContainerSubviewsTest, WhatASecureFieldHoldsIsNeverRead) {
     EXPECT_EQ(text(view({password})), "") << "nor what it shows that in";
 }
 
+TEST_F(TextContainerSubviewsTest, AHostMayTakeTheSubviewsAwayWhileTheyAreLookedAt) {
+    const auto eager = host_.makeView("UILabel", {});
+    const auto subviews = host_.runtime.makeArray({eager, label("last")});
+    const auto outer = host_.make("UIView", {{"subviews", subviews}});
+    host_.runtime.answerWith(eager, "text", [&](const auto&) -> MemoryRuntime::Value {
+        host_.runtime.objc_release(subviews);
+        host_.runtime.objc_release(eager);
+        return {};
+    });
+    EXPECT_EQ(text(outer), "last");
+    EXPECT_FALSE(host_.runtime.isAlive(subviews)) << "and nothing keeps them";
+    EXPECT_FALSE(host_.runtime.isAlive(eager));
+}
+
 TEST_F(TextContainerSubviewsTest, ACircleEnds) {
     ObjectRef circle;
     circle = counting([&] { return host_.runtime.makeArray({circle, circle}); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Tallyfoot/Capture/Held.h"
 #include "Tallyfoot/Capture/PlatformObject.h"
 
 namespace tallyfoot {
@@ -7,23 +8,26 @@ namespace tallyfoot {
 // A view that contains others.
 class SubviewsContainer {
 public:
-    explicit SubviewsContainer(const PlatformObject& view) : view_(view), subviews_(view.object(Message::subviews)) {}
+    explicit SubviewsContainer(const PlatformObject& view)
+        : platform_(view.platform()), subviews_(view.object(Message::subviews).reference()) {}
 
-    // Calls block(PlatformObject) for each of its subviews, in their order, until one gives true.
+    // Calls block(PlatformObject) for each of its subviews, in their order, until one gives true. What the
+    // block asks them may run the host's code, which may take them away.
     template <class Block>
     bool any(Block&& block) const {
-        auto& messages = view_.platform().messages;
-        const auto count = messages.count(subviews_.reference());
+        const Held subviewsHeld(platform_.runtime, subviews_);
+        const auto count = platform_.messages.count(subviews_);
         for (std::size_t index = 0; index < count; ++index) {
-            const PlatformObject subview(view_.platform(), messages.objectAtIndex(subviews_.reference(), index));
+            const PlatformObject subview(platform_, platform_.messages.objectAtIndex(subviews_, index));
+            const Held subviewHeld(platform_.runtime, subview.reference());
             if (subview && block(subview)) return true;
         }
         return false;
     }
 
 private:
-    PlatformObject view_;
-    PlatformObject subviews_;
+    const CapturePlatform& platform_;
+    ObjectRef subviews_;
 };
 
 } // namespace tallyfoot
