@@ -48,11 +48,21 @@ TEST_F(ControlActionsTest, AButtonGivesItsWholeRecord) {
                                             {LogAttribute::evtLabel, "Add"}}));
 }
 
-TEST_F(ControlActionsTest, TheActionIsDeliveredAfterItIsRecorded) {
+TEST_F(ControlActionsTest, TheActionIsDeliveredOnce) {
     const auto result = host_.send(host_.application, "sendAction:to:from:forEvent:",
                                    {host_.runtime.sel_registerName("buy:"), ObjectRef{}, button("Add"), ObjectRef{}});
     EXPECT_TRUE(std::get<bool>(result));
     EXPECT_THAT(host_.journal, ElementsAre("sendAction"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(ControlActionsTest, TheActionIsDeliveredAfterItIsRecorded) {
+    std::size_t recordedBefore = 0;
+    host_.capture.swizzledSendAction(host_.runtime.sel_registerName("buy:"), button("Add"), [&] {
+        recordedBefore = host_.events.size();
+        return true;
+    });
+    EXPECT_EQ(recordedBefore, 1U);
     EXPECT_THAT(host_.events, SizeIs(1));
 }
 
@@ -186,6 +196,13 @@ TEST_F(ControlActionsTest, ASliderThatIsNotContinuousIsRecordedWhateverTheCallSt
     EXPECT_EQ(host_.runtime.callStackLooks, 0);
 }
 
+TEST_F(ControlActionsTest, ABlankNameStandsBeforeNoValue) {
+    EXPECT_EQ(labelAs("\t", make("UIPageControl", {{"currentPage", std::int64_t{2}}})), "2");
+    EXPECT_EQ(labelAs("\n ", make("UISlider", {{"value", 0.5F}})), "0.5");
+    EXPECT_EQ(labelAs("\xC2\xA0", make("UIDatePicker", {{"date", MemoryRuntime::DateValue{0}}})),
+              "1970-01-01 00:00:00 +0000");
+}
+
 TEST_F(ControlActionsTest, ARefreshControlShowsItsNameAsItIs) {
     const auto event = only(make("UIRefreshControl"));
     EXPECT_EQ(event.label(), "");
@@ -283,6 +300,19 @@ TEST_F(ControlActionsTest, ALongPressSentAsAnActionIsOneInFourStates) {
     EXPECT_EQ(event.attributes, (Attributes{{LogAttribute::evtAction, "Long Press Gesture"},
                                             {LogAttribute::evtCategory, "UILongPressGestureRecognizer"},
                                             {LogAttribute::evtLabel, ""}}));
+}
+
+TEST_F(ControlActionsTest, ALongPressOnAnAlertSentAsAnActionIsOfTypeAlert) {
+    host_.addClass("UIActionSheetiOSDismissActionView", "UIView");
+    const auto alert = host_.makeView("UIActionSheetiOSDismissActionView", {host_.makeLabel("Cancel")});
+    const auto press = make("UILongPressGestureRecognizer", {{"state", std::int64_t{1}}, {"view", alert}});
+    EXPECT_EQ(only(press).type, EventType::alert);
+    EXPECT_EQ(host_.events[0].label(), "Cancel");
+    host_.facade.ignored = {"UILongPressGestureRecognizer"};
+    EXPECT_FALSE(isRecorded(press));
+    host_.facade.ignored.clear();
+    host_.disable(press);
+    EXPECT_FALSE(isRecorded(press));
 }
 
 TEST_F(ControlActionsTest, OtherRecognizersSentAsAnActionAreOfTypeAction) {

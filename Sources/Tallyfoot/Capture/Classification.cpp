@@ -11,7 +11,7 @@ int rank(ITFClass itfClass) { return itfClass == ITFClass::alert ? -1 : static_c
 } // namespace
 
 std::optional<ITFClass> classify(const PlatformObject& sender) {
-    if (!sender) return std::nullopt;
+    if (!sender || sender.isClass()) return std::nullopt;
     if (sender.className() == rawValue(ITFClass::tableviewSwipeAction)) return ITFClass::tableviewSwipeAction;
 
     std::optional<ITFClass> first;

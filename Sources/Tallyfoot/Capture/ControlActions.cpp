@@ -44,7 +44,7 @@ void ControlActions::recordSwipeAction(const PlatformObject& sender, std::string
 
 void ControlActions::logInteraction(const PlatformObject& sender, ITFClass itfClass, EventType defaultType) const {
     const TFEventProtocol account(sender, itfClass);
-    if (!account.conforms() || !sender.logEnabled()) return;
+    if (!account.conforms() || !account.logEnabled()) return;
     auto category = facade_.category(itfClass);
     if (facade_.isIgnored(category)) return; // before its texts are gathered
     auto attributes = account.attributes();

@@ -24,6 +24,10 @@ bool PlatformObject::isKindOf(std::string_view className) const {
                       [&](ClassRef one) { return className == runtime.class_getName(one); });
 }
 
+bool PlatformObject::isClass() const {
+    return object_ && platform_->runtime.class_(object_).pointer == object_.pointer;
+}
+
 std::string PlatformObject::customName() const { return text(Message::customName).value_or(std::string()); }
 
 bool PlatformObject::logEnabled() const {

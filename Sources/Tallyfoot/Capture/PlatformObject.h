@@ -22,6 +22,7 @@ public:
     std::string objectIdentifier() const;            // its address in decimal
     std::string_view className() const;              // without its module; "" for nil
     bool isKindOf(std::string_view className) const; // also of a class made at run time below it
+    bool isClass() const;                            // its class bears its own name, and yet it is of no kind
 
     std::string customName() const; // "" unless set
     bool logEnabled() const;        // unless switched off

@@ -13,6 +13,7 @@ public:
     TFEventProtocol(const PlatformObject& sender, ITFClass itfClass) : sender_(sender), itfClass_(itfClass) {}
 
     bool conforms() const noexcept;
+    bool logEnabled() const { return sender_.logEnabled(); }
     Attributes attributes() const; // none: this interaction is not to be recorded
 
 private:
