@@ -3,9 +3,15 @@
 #include "Tallyfoot/Tallyfoot.h"
 
 #include <gmock/gmock.h>
+#include <objc/runtime.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <future>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -184,6 +190,60 @@ TEST_F(ObjCTallyfoot, SharesItsSettingsWithTheLibrary) {
     EXPECT_EQ(tallyfoot::Tallyfoot::pageParent(), std::nullopt);
 }
 
+// By their selectors: those of the class with a "+", those of its instances with a "-".
+std::set<std::string> methods(const char* name) {
+    std::set<std::string> found;
+    const auto add = [&](Class aClass, const char* sign) {
+        unsigned count = 0;
+        Method* const list = class_copyMethodList(aClass, &count);
+        for (unsigned i = 0; i < count; ++i) found.insert(std::string(sign) + sel_getName(method_getName(list[i])));
+        std::free(list);
+    };
+    add(objc_getClass(name), "-");
+    add(object_getClass((id)objc_getClass(name)), "+");
+    for (const char* runtimes : {"+load", "+initialize", "-dealloc"}) found.erase(runtimes);
+    return found;
+}
+
+TEST(ObjCFace, AnswersToTheseSelectors) {
+    EXPECT_EQ(methods("Tallyfoot"), (std::set<std::string>{"+configure:ignoreClasses:authenticationClosure:",
+                                                           "+categoryCustomTitles:",
+                                                           "+configureSwizzle",
+                                                           "+logEventWithType:attributes:customAttributes:",
+                                                           "+logEvent:attributes:customAttributes:",
+                                                           "+logJSONEventWithType:attributes:customJSONAttributes:",
+                                                           "+logJSONEvent:attributes:customJSONAttributes:",
+                                                           "+isEnabled",
+                                                           "+setIsEnabled:",
+                                                           "+showOutput",
+                                                           "+setShowOutput:",
+                                                           "+consoleOutput",
+                                                           "+setConsoleOutput:",
+                                                           "+isSwizzled",
+                                                           "+setIsSwizzled:",
+                                                           "+environment",
+                                                           "+setEnvironment:",
+                                                           "+appInfo",
+                                                           "+setAppInfo:",
+                                                           "+pageParent",
+                                                           "+setPageParent:",
+                                                           "+ignoreFileSizeThreshold",
+                                                           "+setIgnoreFileSizeThreshold:",
+                                                           "+shared",
+                                                           "-authenticationToken"}));
+    EXPECT_EQ(methods("ApplicationInfo"),
+              (std::set<std::string>{"-init", "-initWithAppName:appId:bizArea:bizAreaId:", "-initWithCoder:",
+                                     "-encodeWithCoder:", "-appName", "-appId", "-bizArea", "-bizAreaId"}));
+    EXPECT_EQ(methods("Authentication"),
+              (std::set<std::string>{"-init", "-initWithUserId:authenticationToken:userLogOnTime:", "-userId",
+                                     "-authenticationToken", "-userLogOnTime"}));
+    EXPECT_EQ(methods("UploadConfiguration"),
+              (std::set<std::string>{"-init", "-initWithSeconds:eventsCount:", "+defaultConfiguration", "+uploadPath",
+                                     "-uploadPath", "-setUploadPath:"}));
+    EXPECT_EQ(methods("Environment"),
+              (std::set<std::string>{"-init", "-setEndpoint:", "-uploadPath", "-setUploadPath:", "-environmentDict"}));
+}
+
 TEST_F(ObjCTallyfoot, HasOneSharedInstance) {
     EXPECT_NE(Tallyfoot.shared, nil);
     EXPECT_EQ(Tallyfoot.shared, Tallyfoot.shared);
@@ -270,6 +330,19 @@ TEST_F(ObjCTallyfoot, IsFatalWithoutCredentials) {
     EXPECT_DEATH(Tallyfoot.appInfo = application(@"Shop"), "");
 }
 
+TEST_F(ObjCTallyfoot, AsksTheClosureAgainAfterItThrewInCPlusPlus) {
+    __block int asked = 0;
+    [Tallyfoot configure:configuration()
+                ignoreClasses:@[]
+        authenticationClosure:^Authentication* {
+          if (++asked == 1) throw std::runtime_error("no keychain");
+          return user(@"second");
+        }];
+    Tallyfoot.appInfo = application(@"Shop");
+    Tallyfoot.appInfo = application(@"Shop");
+    EXPECT_TRUE([Tallyfoot.shared.authenticationToken isEqual:@"second"]);
+}
+
 TEST_F(ObjCTallyfoot, KeepsNothingThatTheClosureMadeBeforeItRaised) {
     NSMutableString* made = [NSMutableString string];
     [Tallyfoot configure:configuration()
@@ -295,6 +368,47 @@ TEST_F(ObjCTallyfoot, KeepsNothingOfACallUntilTheHostsPoolGoes) {
     [Tallyfoot logJSONEventWithType:@"purchase" attributes:own customJSONAttributes:nil];
     [Tallyfoot categoryCustomTitles:own];
     EXPECT_EQ([text retainCount], count);
+}
+
+TEST_F(ObjCTallyfoot, MayBeCalledByManyThreadsAtOnce) {
+    start();
+    using Call = void (*)();
+    static constexpr Call calls[]{
+        [] {
+            [Tallyfoot logEvent:EventTypeAction attributes:@{@"pgName" : @"a"} customAttributes:@{@"b" : @1}];
+        },
+        [] { Tallyfoot.appInfo = application(@"Shop"); },
+        [] { Tallyfoot.appInfo = nil; },
+        [] { (void)Tallyfoot.appInfo.appName; },
+        [] { Tallyfoot.environment = [[[Environment alloc] init] autorelease]; },
+        [] { Tallyfoot.environment = nil; },
+        [] { [Tallyfoot.environment setEndpoint:EndpointProd]; },
+        [] { Tallyfoot.pageParent = @"web"; },
+        [] { (void)Tallyfoot.pageParent; },
+        [] { UploadConfiguration.defaultConfiguration.uploadPath = @"http://127.0.0.1:1/upload"; },
+        [] { (void)UploadConfiguration.defaultConfiguration.uploadPath; },
+        [] { [Tallyfoot categoryCustomTitles:@{@"UIButton" : @"Btn"}]; },
+        [] {
+            NSString* token = [NSString stringWithFormat:@"token-%d", 7];
+            [Tallyfoot configure:configuration()
+                        ignoreClasses:@[ @"UIButton" ]
+                authenticationClosure:^{
+                  return user(token);
+                }];
+        },
+        [] { (void)Tallyfoot.shared.authenticationToken; }};
+    constexpr int rounds = 20;
+    std::vector<std::future<void>> threads;
+    for (const auto call : calls)
+        threads.push_back(std::async(std::launch::async, [call] {
+            for (int round = 0; round < rounds; ++round) {
+                @autoreleasepool {
+                    call();
+                }
+            }
+        }));
+    for (auto& thread : threads) thread.get();
+    EXPECT_THAT(records(), SizeIs(rounds));
 }
 
 // Such a thread has no autorelease pool either.
