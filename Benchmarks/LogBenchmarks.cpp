@@ -3,8 +3,10 @@
 #include "Support/Percentiles.h"
 #include "Support/Workload.h"
 
+#include "Tallyfoot/Crash/CrashContext.h"
 #include "Tallyfoot/Events/Attributes.h"
 #include "Tallyfoot/Events/FileEventFormatter.h"
+#include "Tallyfoot/Platform/PlatformServices.h"
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -171,6 +173,29 @@ void format(benchmark::State& state) {
     state.counters["bytes"] = static_cast<double>(text.size());
 }
 BENCHMARK(format)->Iterations(eventsAlone)->UseRealTime();
+
+// --- What it costs that a crash of the thread will be heard: at each event, and of a thread's first one
+
+constexpr int preparations = 1000000;
+constexpr int threadsStarted = 500;
+
+void prepareThread(benchmark::State& state) {
+    CrashContext context(*defaultPlatformServices().crashHooks);
+    for (auto _ : state) {
+        context.prepareThread();
+        benchmark::ClobberMemory();
+    }
+}
+void preparedThread(benchmark::State& state) {
+    CrashContext context(*defaultPlatformServices().crashHooks);
+    for (auto _ : state) std::thread([&] { context.prepareThread(); }).join();
+}
+void bareThread(benchmark::State& state) {
+    for (auto _ : state) std::thread([] {}).join();
+}
+BENCHMARK(prepareThread)->Iterations(preparations)->UseRealTime();
+BENCHMARK(preparedThread)->Iterations(threadsStarted)->UseRealTime();
+BENCHMARK(bareThread)->Iterations(threadsStarted)->UseRealTime();
 
 } // namespace
 

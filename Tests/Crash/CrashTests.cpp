@@ -306,6 +306,11 @@ TEST_F(CrashTest, AnExceptionFromADestructor) {
     EXPECT_THAT(told(), ElementsAre("of a destructor"));
 }
 
+TEST_F(CrashTest, AnExceptionFromAFunctionThatIsNoexcept) {
+    ASSERT_TRUE(crashes(aborted, [] { []() noexcept { throwError("let through"); }(); }));
+    EXPECT_THAT(told(), ElementsAre("let through"));
+}
+
 TEST_F(CrashTest, AnExceptionWhileAnotherUnwinds) {
     struct Throwing {
         ~Throwing() noexcept(false) { throw std::logic_error("the second"); }
