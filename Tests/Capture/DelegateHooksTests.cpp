@@ -1,5 +1,7 @@
 #include "Capture/CaptureHost.h"
 
+#include "Tallyfoot/Capture/Interception.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,6 +40,17 @@ protected:
                                             call.arguments);
                 return MemoryRuntime::Value();
             });
+    }
+    // As another library does that comes later.
+    void exchangeByAnother(const char* className) {
+        constexpr const char* replacement = "other:didSelect:";
+        host_.runtime.addMethod(className, replacement, [this](const MemoryRuntime::Invocation& call) {
+            host_.journal.emplace_back("other");
+            return host_.send(call.self, replacement, call.arguments);
+        });
+        Interception(host_.platform)
+            .swizzle(host_.runtime.sel_registerName(didSelect), host_.runtime.sel_registerName(replacement),
+                     host_.runtime.objc_getClass(className));
     }
     ObjectRef setDelegate(const char* className) {
         const auto delegate = host_.make(className);
@@ -321,15 +334,7 @@ TEST_F(DelegateHooksTest, TwoLibrariesThatTakeEachOtherForTheHostComeToAnEnd) {
 TEST_F(DelegateHooksTest, AnotherLibraryThatExchangesTheCallbackLaterRunsOnceAndSoDoWe) {
     for (const auto* className : {"Handling", "Plain"}) {
         const auto delegate = setDelegate(className);
-        host_.runtime.addMethod(className, "other:didSelect:", [&](const MemoryRuntime::Invocation& call) {
-            host_.journal.emplace_back("other");
-            return host_.send(call.self, "other:didSelect:", call.arguments);
-        });
-        const auto find = [&](const char* name) {
-            return host_.runtime.class_getInstanceMethod(host_.runtime.objc_getClass(className),
-                                                         host_.runtime.sel_registerName(name));
-        };
-        host_.runtime.method_exchangeImplementations(find(didSelect), find("other:didSelect:"));
+        exchangeByAnother(className);
         for (int time = 0; time < 2; ++time) {
             select(delegate);
             EXPECT_EQ(std::count(host_.journal.begin(), host_.journal.end(), "other"), 1) << className;
@@ -339,6 +344,28 @@ TEST_F(DelegateHooksTest, AnotherLibraryThatExchangesTheCallbackLaterRunsOnceAnd
             host_.setDelegate(host_.make("UITableView"), delegate);
         }
     }
+}
+
+TEST_F(DelegateHooksTest, AnotherLibraryIsNotCutOffByASubclassThatBecomesADelegateLater) {
+    host_.addClass("Lowest", "Inheriting");
+    const auto delegate = setDelegate("Handling");
+    setDelegate("Inheriting");
+    exchangeByAnother("Handling");
+    setDelegate("Lowest");
+    select(delegate);
+    EXPECT_THAT(host_.journal, ElementsAre("other", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
+}
+
+TEST_F(DelegateHooksTest, NorByWhatASubclassHasKept) {
+    host_.addClass("Lower", "Inheriting");
+    host_.addClass("Lowest", "Lower");
+    const auto delegate = setDelegate("Lowest");
+    exchangeByAnother("Inheriting");
+    setDelegate("Lower");
+    select(delegate);
+    EXPECT_THAT(host_.journal, ElementsAre("other", "Handling"));
+    EXPECT_THAT(host_.events, SizeIs(1));
 }
 
 TEST_F(DelegateHooksTest, CallbacksOfOneDelegateDoNotGetInEachOthersWay) {

@@ -85,7 +85,7 @@ bool DelegateHooks::forward(MethodBody body, ObjectRef delegate, ObjectRef sende
             : nullptr; // the call whose handling calls its superclass's
 
     auto& runtime = platform_.runtime;
-    auto level = below ? runtime.class_getSuperclass(below->level) : runtime.object_getClass(delegate);
+    auto level = below ? runtime.class_getSuperclass(below->level) : firstLevel(place, delegate);
     for (; (level = interception_.definingClass(level, selectors.renamed));
          level = runtime.class_getSuperclass(level)) {
         call.level = level;
@@ -102,6 +102,17 @@ bool DelegateHooks::forward(MethodBody body, ObjectRef delegate, ObjectRef sende
     else if (!below && passesOn(delegate) && platform_.messages.respondsToSelector(delegate, selectors.original))
         platform_.messages.forwardInvocation(delegate, selectors.original, arguments);
     return !told;
+}
+
+ClassRef DelegateHooks::firstLevel(std::size_t place, ObjectRef delegate) const {
+    auto& runtime = platform_.runtime;
+    const auto& selectors = selectors_[place];
+    const auto itsClass = runtime.object_getClass(delegate);
+    const auto implementation = [&](SelectorRef selector) {
+        return runtime.method_getImplementation(runtime.class_getInstanceMethod(itsClass, selector));
+    };
+    const bool isInPlace = implementation(selectors.original) == implementation(selectors.replacement);
+    return isInPlace ? interception_.definingClass(itsClass, selectors.original) : itsClass;
 }
 
 bool DelegateHooks::isInterceptedAbove(std::size_t place, ClassRef level) const {

@@ -65,6 +65,8 @@ private:
 
     void intercept(std::size_t place, ObjectRef delegate, ClassRef delegateClass);
     bool wasAdded(std::size_t place, ClassRef toClass) const;
+    // From where on to look for what the delegate's callback was before: what its subclasses keep may be older.
+    ClassRef firstLevel(std::size_t place, ObjectRef delegate) const;
     // Whether what was written for the class comes back to the library when it calls its superclass's.
     bool isInterceptedAbove(std::size_t place, ClassRef level) const;
     // Whether its class passes on messages that it has no method for, as proxies do.

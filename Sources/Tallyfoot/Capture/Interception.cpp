@@ -57,8 +57,7 @@ void Interception::intercept(SelectorRef original, ImplementationRef replacement
     if (kept == replacement) return;
     // In place behind another library's, which came later and calls it: setting it again would cut that one off.
     const auto owner = definingClass(forClass, original);
-    const auto intercepted = definingClass(forClass, renameOriginal);
-    if (intercepted && (intercepted == forClass || intercepted == owner)) return;
+    if (definingClass(forClass, renameOriginal) == forClass || definingClass(owner, renameOriginal) == owner) return;
 
     runtime_.method_setImplementation(method, replacement);
     runtime_.class_addMethod(forClass, renameOriginal, kept, types);
