@@ -17,8 +17,9 @@ struct Call {
     ObjectRef item;
     ClassRef level; // whose implementation runs
     ImplementationRef implementation;
-    const Call* outer;
+    Call* outer;
     int depth = outer ? outer->depth + 1 : 0;
+    bool isEndless = false;
 
     bool tellsTheSame(const Call& other) const {
         return body == other.body && sender == other.sender && item == other.item;
@@ -28,11 +29,11 @@ struct Call {
 // No handling has itself called so often; two libraries that each take the other for the host would, for ever.
 constexpr int deepest = 32;
 
-thread_local constinit const Call* innermost = nullptr;
+thread_local constinit Call* innermost = nullptr;
 
 class UnderWay {
 public:
-    explicit UnderWay(const Call& call) { innermost = &call; }
+    explicit UnderWay(Call& call) { innermost = &call; }
     ~UnderWay() { innermost = innermost->outer; }
     UnderWay(const UnderWay&) = delete;
     UnderWay& operator=(const UnderWay&) = delete;
@@ -77,12 +78,13 @@ bool DelegateHooks::forward(MethodBody body, ObjectRef delegate, ObjectRef sende
     if (place == all.size()) return false;
     const auto& selectors = selectors_[place];
     Call call{body, delegate, sender, item, {}, {}, innermost};
-    const auto* told = innermost; // the call that brought this one about
+    auto* told = innermost; // the call that brought this one about
     while (told && !call.tellsTheSame(*told)) told = told->outer;
-    const auto* below =
-        told && told->delegate == delegate && (call.depth > deepest || isInterceptedAbove(place, told->level))
-            ? told
-            : nullptr; // the call whose handling calls its superclass's
+    const bool isOwn = told && told->delegate == delegate;
+    if (isOwn && call.depth > deepest)
+        for (auto* one = told; one; one = one->outer) one->isEndless = true;
+    // The call whose handling calls its superclass's.
+    const auto* below = isOwn && (told->isEndless || isInterceptedAbove(place, told->level)) ? told : nullptr;
 
     auto& runtime = platform_.runtime;
     auto level = below ? runtime.class_getSuperclass(below->level) : firstLevel(place, delegate);
@@ -101,7 +103,7 @@ bool DelegateHooks::forward(MethodBody body, ObjectRef delegate, ObjectRef sende
         platform_.messages.call(call.implementation, delegate, selectors.original, arguments);
     else if (!below && passesOn(delegate) && platform_.messages.respondsToSelector(delegate, selectors.original))
         platform_.messages.forwardInvocation(delegate, selectors.original, arguments);
-    return !told;
+    return !told || (isOwn && !below && !call.isEndless);
 }
 
 ClassRef DelegateHooks::firstLevel(std::size_t place, ObjectRef delegate) const {

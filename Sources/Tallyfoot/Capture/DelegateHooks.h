@@ -52,8 +52,8 @@ public:
     void intercept(MethodBody setter, ObjectRef self, ObjectRef delegate);
 
     // To the host's implementation, if there is one, or to the object that the delegate passes messages
-    // on to. False if a handling under way has brought this call about, which is recorded for both: it has
-    // called its superclass's, where this one goes then, or told another delegate, or had itself told again.
+    // on to. False if this is no call of the platform's but one that a handling under way makes, and so is
+    // recorded with that one: to its superclass's, where it goes then, or to another delegate.
     bool forward(MethodBody body, ObjectRef delegate, ObjectRef sender, ObjectRef item);
 
 private:
