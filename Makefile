@@ -9,8 +9,10 @@ ROUNDS ?= 300
 FIXED_LAYOUT := $(shell setarch -R true 2>/dev/null && echo setarch -R)
 export CCACHE_SLOPPINESS = pch_defines,time_macros
 
-# $(call configured,preset): CMake's own rules notice changed build files; only the presets are ours to watch.
-configured = @test build/$(1)/build.ninja -nt CMakePresets.json || cmake --preset $(1)
+# $(call configured,preset): CMake's own rules notice changed build files. Ours to watch are the presets, and
+# an Objective-C toolchain that was missing when the folder was configured and may be there by now.
+configured = @{ test build/$(1)/build.ninja -nt CMakePresets.json \
+    && ! grep -q '^TALLYFOOT_OBJC_MISSING:INTERNAL=.' build/$(1)/CMakeCache.txt; } || cmake --preset $(1)
 
 .PHONY: help
 help: ## this list

@@ -2,12 +2,17 @@
 # Included from the top: a language is enabled for all folders below.
 
 set(TALLYFOOT_HAS_OBJC FALSE)
+# For the Makefile: a build folder that went without configures again, in case all is there by now.
+set(missing_help "What Tallyfoot::ObjC needs and did not find")
+set(TALLYFOOT_OBJC_MISSING "" CACHE INTERNAL "${missing_help}")
 set_property(CACHE TALLYFOOT_BUILD_OBJC PROPERTY STRINGS AUTO ON OFF)
 if(NOT TALLYFOOT_BUILD_OBJC)
   return()
 endif()
 
 include(TallyfootFoundation)
+list(JOIN TallyfootFoundation_MISSING ", " missing)
+set(TALLYFOOT_OBJC_MISSING "${missing}" CACHE INTERNAL "${missing_help}")
 if(TallyfootFoundation_FOUND)
   # clang, whatever compiles the C++: it alone knows blocks on GCC's runtime.
   if(NOT APPLE AND NOT CMAKE_OBJCXX_COMPILER)
@@ -36,7 +41,6 @@ if(TallyfootFoundation_FOUND)
     set(TALLYFOOT_HAS_UIKIT_DOUBLE TRUE)
   endif()
 else()
-  list(JOIN TallyfootFoundation_MISSING ", " missing)
   if(TALLYFOOT_BUILD_OBJC STREQUAL "AUTO")
     message(STATUS "Tallyfoot::ObjC is not built; missing: ${missing}. Scripts/install-dependencies objc installs it.")
   else()
