@@ -42,6 +42,9 @@ NSString* loneSurrogate(); // "a", half a character, "b"
 @end
 @interface RaisingText : NSString
 @end
+@interface RaisingProxy : NSProxy
+- (instancetype)init;
+@end
 
 // A dictionary of the host's own class, with no more than such a class must have. What it gives
 // stays until the autorelease pool of whoever asked goes.

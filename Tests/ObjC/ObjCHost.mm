@@ -134,6 +134,14 @@ NSString* tallyfoot::testing::loneSurrogate() { return [[[LoneSurrogate alloc] i
 
 @end
 
+@implementation RaisingProxy
+
+- (instancetype)init {
+    return self;
+}
+
+@end
+
 @implementation PlainDictionary
 
 - (instancetype)initWithEntries:(NSDictionary*)entries {

@@ -288,6 +288,20 @@ TEST_F(ObjCTallyfoot, TakesAnObjectOfAnotherClassForNone) {
               tallyfoot::UploadConfiguration::defaultConfiguration());
 }
 
+TEST_F(ObjCTallyfoot, TakesAnObjectThatRaisesForNone) {
+    start();
+    id proxy = [[[RaisingProxy alloc] init] autorelease];
+    Tallyfoot.environment.uploadPath = @"changed";
+    Tallyfoot.environment = proxy;
+    EXPECT_TRUE([Tallyfoot.environment.uploadPath isEqual:@"no such path"]);
+    [Tallyfoot configure:proxy ignoreClasses:@[ @"UISlider" ] authenticationClosure:nil];
+    EXPECT_THAT(tallyfoot::Tallyfoot::shared().ignoreClasses(), ElementsAre("UISlider"));
+    [Tallyfoot logEventWithType:proxy attributes:proxy customAttributes:proxy];
+    EXPECT_EQ(records().at(0)["evtType"], "");
+    Tallyfoot.appInfo = proxy;
+    EXPECT_EQ(Tallyfoot.appInfo, nil);
+}
+
 TEST_F(ObjCTallyfoot, InstallsTheInterceptionsWhenItIsConfiguredOrItsEnvironmentIsSet) {
     Tallyfoot.environment = [[[Environment alloc] init] autorelease];
     EXPECT_TRUE(Tallyfoot.isSwizzled);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TallyfootObjC/Support/Guard.h"
+
 #import <Foundation/Foundation.h>
 
 #include <memory>
@@ -19,10 +21,13 @@ void letGo(void*& place) {
     delete static_cast<std::shared_ptr<Record>*>(std::exchange(place, nullptr));
 }
 
+// None in an object of another class, in one that was never initialised, and in a proxy that raises.
 template <class Record>
 std::shared_ptr<Record> held(id object, Class expected, void* const* place) {
-    if (![object isKindOfClass:expected] || *place == nullptr) return nullptr;
-    return *static_cast<const std::shared_ptr<Record>*>(*place);
+    return guardedValue<std::shared_ptr<Record>>([&]() -> std::shared_ptr<Record> {
+        if (![object isKindOfClass:expected] || *place == nullptr) return nullptr;
+        return *static_cast<const std::shared_ptr<Record>*>(*place);
+    });
 }
 
 } // namespace tallyfoot::objc
