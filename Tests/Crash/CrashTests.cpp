@@ -10,10 +10,13 @@
 
 #include <fcntl.h>
 #include <malloc.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <filesystem>
@@ -133,6 +136,41 @@ TEST_P(BrokenPipeOn, ThreadsOfTheLibraryIsNoCrash) {
 
 INSTANTIATE_TEST_SUITE_P(Signals, BrokenPipeOn, ::testing::Values(places()[2], places()[3], places()[4]),
                          [](const auto& parameter) { return parameter.param.name; });
+
+// Takes one connection, reads a little of what comes and resets it. Gives the port that it listens on.
+int startServerThatHangsUp() {
+    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof(address);
+    if (::bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0 || ::listen(listener, 8) != 0) return 0;
+    ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+    std::thread([listener] {
+        for (;;) {
+            const int connection = ::accept(listener, nullptr, nullptr);
+            std::array<char, 1000> beginning{};
+            (void)::recv(connection, beginning.data(), beginning.size(), MSG_WAITALL);
+            const linger reset{1, 0};
+            ::setsockopt(connection, SOL_SOCKET, SO_LINGER, &reset, sizeof(reset));
+            ::close(connection);
+        }
+    }).detach();
+    return ntohs(address.sin_port);
+}
+
+TEST_F(CrashTest, AnUploadWhoseServerHangsUpIsNoCrash) {
+    ASSERT_TRUE(crashes(77, [] {
+        URLRequest request;
+        request.url = "http://127.0.0.1:" + std::to_string(startServerThatHangsUp()) + "/";
+        request.method = "POST";
+        request.body = {std::string(std::size_t{32} << 20U, 'x')}; // more than any buffer on the way takes
+        const auto session = defaultPlatformServices().makeURLSession();
+        session->dataTask(std::move(request), [](const Result<std::string>& reply) { ::_exit(reply ? 1 : 77); });
+        waitForTheEnd();
+    }));
+    EXPECT_EQ(storedReason(), "nothing");
+}
 
 class StackOverflowOn : public CrashTest, public ::testing::WithParamInterface<Place> {};
 
