@@ -134,7 +134,9 @@ void Capture::swizzleGestureAction(ObjectRef recognizer) noexcept {
 }
 
 void Capture::swizzledCallback(MethodBody callback, ObjectRef delegate, ObjectRef sender, ObjectRef item) {
-    // The host's own handling comes first, and may release what the event is about.
+    // The host's own handling comes first, and may release what the event is about, and the delegate:
+    // a collection, asked for its cell afterwards, may ask the delegate in turn.
+    const Held delegateHeld(implementation_->platform.runtime, delegate);
     const Held senderHeld(implementation_->platform.runtime, sender);
     const Held itemHeld(implementation_->platform.runtime, item);
     if (implementation_->delegateHooks.forward(callback, delegate, sender, item))
