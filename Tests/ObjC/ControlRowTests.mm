@@ -36,8 +36,10 @@ class ObjCControls : public ObjCCapture, public ::testing::WithParamInterface<Co
 protected:
     // The target knows the action, whatever it is called.
     BOOL act(id sender) {
-        class_addMethod([probe_ class], sel_registerName(GetParam().action),
-                        [probe_ methodForSelector:@selector(action:)], "v@:@");
+        const std::string action = GetParam().action;
+        const SEL takes = action.ends_with(':') ? @selector(action:) : @selector(bareAction);
+        class_addMethod([probe_ class], sel_registerName(action.c_str()), [probe_ methodForSelector:takes],
+                        action.ends_with(':') ? "v@:@" : "v@:");
         return [[UIApplication sharedApplication] sendAction:sel_registerName(GetParam().action)
                                                           to:probe_
                                                         from:sender
