@@ -6,6 +6,7 @@
 #include "TallyfootObjC/Support/Text.h"
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace tallyfoot::objc {
