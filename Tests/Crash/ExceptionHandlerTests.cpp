@@ -212,6 +212,17 @@ TEST_F(ExceptionHandlerTest, ACrashWhileTheFormerOneIsToldIsNotClearedWithIt) {
     EXPECT_EQ(stored->as<PropertyList::Dictionary>()->at("crashreason"), text("the second"));
 }
 
+TEST_F(ExceptionHandlerTest, ACrashOfAnotherProcessWhileTheFormerOneIsToldIsNotClearedWithIt) {
+    store({{"crashreason", text("SIGSEGV")}, {"evtId", text("former")}});
+    whileLogging = [this] { store({{"crashreason", text("SIGSEGV")}, {"evtId", text("of another process")}}); };
+    handler.install();
+    whileLogging = nullptr;
+    handler.install();
+    ASSERT_EQ(logged.size(), 2U);
+    EXPECT_EQ(*logged[1].find(LogAttribute::evtId), "of another process");
+    EXPECT_EQ(defaults->object("crash"), std::nullopt);
+}
+
 TEST_F(ExceptionHandlerTest, AConfigureFromInsideTheReportDoesNotTellTwice) {
     store({{"crashreason", text("SIGSEGV")}});
     whileLogging = [this] { handler.install(); };

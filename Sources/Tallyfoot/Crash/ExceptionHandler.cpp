@@ -143,10 +143,12 @@ void ExceptionHandler::reportStoredCrash() {
     const auto told = facade_.console().isOn() ? description(*attributes) : std::string();
     if (!facade_.isIgnored(crash)) facade_.log(EventType::crash, *attributes);
     facade_.console().print({"Adding crash: ", told});
-    clear();
+    clear(*value);
 }
 
-void ExceptionHandler::clear() {
+void ExceptionHandler::clear(const PropertyList& told) {
+    // Another process of the application may have crashed meanwhile.
+    if (services_.userDefaults->object(crash) != told) return;
     clearing_.store(std::this_thread::get_id());
     if (!isSaving_.load()) {
         services_.userDefaults->remove(crash);

@@ -3,6 +3,7 @@
 #include "Tallyfoot/Crash/CrashContext.h"
 #include "Tallyfoot/Crash/CrashFacade.h"
 #include "Tallyfoot/Platform/PlatformServices.h"
+#include "Tallyfoot/Platform/PropertyList.h"
 #include "Tallyfoot/Platform/SignalSafeStore.h"
 #include "Tallyfoot/Platform/SignalSafeText.h"
 
@@ -37,7 +38,7 @@ private:
     void prepare();
     void installHooks();
     void reportStoredCrash();
-    void clear();
+    void clear(const PropertyList& told);
 
     static void onException(std::string_view reason) noexcept;
     static void onSignal(int number) noexcept;
