@@ -4,6 +4,7 @@
 #include "Tallyfoot/Facade/TallyfootImplementation.h"
 #include "Tallyfoot/Platform/Dispatch.h"
 #include "Tallyfoot/Platform/PlatformServices.h"
+#include "Tallyfoot/Platform/Posix/UserDefaultsFolder.h"
 #include "Tallyfoot/Platform/URLSession.h"
 #include "Tallyfoot/Platform/UserDefaults.h"
 #include "Tallyfoot/Recording/Timing/Repeater.h"
@@ -11,6 +12,8 @@
 #include <fcntl.h>
 #include <malloc.h>
 #include <netinet/in.h>
+#include <pthread.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -22,6 +25,7 @@
 #include <filesystem>
 #include <iomanip>
 #include <regex>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -233,6 +237,17 @@ TEST_F(CrashTest, TextsOfAnyLengthAndCharacterAreKept) {
     EXPECT_EQ(crashRecords()[0]["pgPrnt"], parent);
 }
 
+TEST_F(CrashTest, ATextThatIsTooLongToBeReadBackKeepsItsBeginning) {
+    ASSERT_TRUE(crashes(SIGABRT, [] {
+        Tallyfoot::setPageParent(std::string(20'000'000, '&'));
+        std::abort();
+    }));
+    ASSERT_THAT(told(), ElementsAre("SIGABRT"));
+    const std::string kept = crashRecords()[0]["pgPrnt"];
+    EXPECT_EQ(kept, std::string(kept.size(), '&'));
+    EXPECT_GT(kept.size(), 400'000U);
+}
+
 TEST_F(CrashTest, EventsBeforeTheCrashAreThere) {
     ASSERT_TRUE(crashes(SIGSEGV, [] {
         for (int event = 0; event < 100; ++event) Tallyfoot::log("a", {});
@@ -390,6 +405,14 @@ TEST_F(CrashTest, AReasonThatCrashesIsToldAsTheSignal) {
     EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
 }
 
+TEST_F(CrashTest, AReasonThatDoesNotComeIsToldAsAnEmptyOne) {
+    struct Endless : std::exception {
+        const char* what() const noexcept override { waitForTheEnd(); }
+    };
+    ASSERT_TRUE(crashes(aborted, [] { throw Endless(); }));
+    EXPECT_THAT(told(), ElementsAre(""));
+}
+
 // --- Around the crash ---------------------------------------------------------------------------
 
 TEST_F(CrashTest, BeforeConfigureIsNotHeard) {
@@ -442,6 +465,47 @@ TEST_F(CrashTest, HandlersOfTheHostAfterConfigureCountUntilTheNextOne) {
     EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
 }
 
+void (*ofTheLibrary)(int) = nullptr;
+
+TEST_F(CrashTest, AHandlerOfTheHostThatPassesOnTheNumberAloneIsNoHindrance) {
+    ASSERT_TRUE(crashes(SIGSEGV, [] {
+        ofTheLibrary = ::signal(SIGSEGV, [](int number) {
+            (void)!::write(STDERR_FILENO, "handler\n", 8);
+            ofTheLibrary(number);
+        });
+        std::atexit([] { (void)!::write(STDERR_FILENO, "exit handler\n", 13); });
+        writeToForbiddenMemory();
+    }));
+    EXPECT_EQ(message, "handler\nexit handler\n");
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+// They come with the signal of the alarm that ends a process whose exit handlers hang.
+TEST_F(CrashTest, TimersOfTheHostCutNothingOff) {
+    ASSERT_TRUE(crashes(SIGSEGV, [] {
+        ::signal(SIGALRM, [](int) {});
+        timer_t timer{};
+        itimerspec time{};
+        time.it_value.tv_nsec = time.it_interval.tv_nsec = 10'000; // as good as always
+        ::timer_create(CLOCK_MONOTONIC, nullptr, &timer);
+        ::timer_settime(timer, 0, &time, nullptr);
+        std::atexit([] { (void)!::write(STDERR_FILENO, "exit handler\n", 13); });
+        writeToForbiddenMemory();
+    }));
+    EXPECT_EQ(message, "exit handler\n");
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+TEST_F(CrashTest, OnAThreadThatIsToBeCancelled) {
+    ASSERT_TRUE(crashes(SIGSEGV, [] {
+        std::thread([] {
+            ::pthread_cancel(::pthread_self());
+            writeToForbiddenMemory();
+        }).join();
+    }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
 TEST_F(CrashTest, AHostThatIgnoredBrokenPipesIsEndedByOne) {
     ASSERT_TRUE(endsWith(SIGPIPE, [this] {
         ::signal(SIGPIPE, SIG_IGN);
@@ -463,6 +527,24 @@ TEST_F(CrashTest, AnExitHandlerThatHangsDoesNotKeepTheProcess) {
     ASSERT_TRUE(crashes(SIGSEGV, [] {
         std::atexit([] { waitForTheEnd(); });
         writeToForbiddenMemory();
+    }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+TEST_F(CrashTest, AnExitHandlerThatHangsDoesNotKeepAProcessWithAThreadThatTakesEverySignal) {
+    ASSERT_TRUE(endsWith(SIGSEGV, [this] {
+        sigset_t signals;
+        ::sigfillset(&signals);
+        ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        std::thread([signals] {
+            for (int signal = 0;;) (void)::sigwait(&signals, &signal);
+        }).detach();
+        start();
+        std::atexit([] { waitForTheEnd(); });
+        std::thread([&signals] {
+            ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+            writeToForbiddenMemory();
+        }).join();
     }));
     EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
 }
@@ -552,6 +634,25 @@ TEST_F(CrashTest, AProcessForkedAfterwardsIsNoneOfOurs) {
     EXPECT_EQ(storedReason(), "nothing");
 }
 
+TEST_F(CrashTest, AProcessForkedAfterwardsThatConfiguresWritesIntoAFileOfItsOwn) {
+    ASSERT_TRUE(crashes(0, [this] {
+        std::filesystem::path folder = *userDefaultsFolder(root_ / "bundle");
+        // What the parent would write into cannot be written.
+        std::ostringstream digits;
+        digits << std::setw(10) << std::setfill('0') << ::getpid();
+        std::filesystem::create_directory(folder / (".value." + digits.str() + ".new"));
+        const pid_t child = ::fork();
+        if (child == 0) {
+            configure();
+            writeToForbiddenMemory();
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ::_exit(WIFEXITED(status) && WEXITSTATUS(status) == SIGSEGV ? 0 : 1);
+    }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
 // --- What the crash has left --------------------------------------------------------------------
 
 TEST_F(CrashTest, WithItsStoreRemoved) {
@@ -561,6 +662,31 @@ TEST_F(CrashTest, WithItsStoreRemoved) {
         writeToForbiddenMemory();
     }));
     EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+TEST_F(CrashTest, WithAllThatItsStoreLiesInRemoved) {
+    ASSERT_TRUE(crashes(SIGSEGV, [this] {
+        std::filesystem::remove_all(root_ / "config");
+        writeToForbiddenMemory();
+    }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+// Nothing can be kept then; the end stays what it is.
+TEST_F(CrashTest, WithoutLeaveToWriteSoMuch) {
+    const auto forbid = [] {
+        const rlimit bytes{100, 100};
+        ::setrlimit(RLIMIT_FSIZE, &bytes);
+    };
+    ASSERT_TRUE(crashes(SIGSEGV, [&] {
+        forbid();
+        writeToForbiddenMemory();
+    }));
+    ASSERT_TRUE(crashes(aborted, [&] {
+        forbid();
+        throw std::runtime_error("no shelf");
+    }));
+    EXPECT_EQ(storedReason(), "nothing");
 }
 
 TEST_F(CrashTest, WithItsStandardStreamsClosedKeepsTheTraceOutOfTheRecord) {
@@ -583,6 +709,24 @@ TEST_F(CrashTest, WithoutAnyFileDescriptorLeft) {
         writeToForbiddenMemory();
     }));
     EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+TEST_F(CrashTest, WithThreadsThatTakeEveryFileDescriptorThatComesFree) {
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_TRUE(crashes(SIGSEGV, [] {
+            const rlimit files{64, 64};
+            ::setrlimit(RLIMIT_NOFILE, &files);
+            for (int thread = 0; thread < 4; ++thread)
+                std::thread([] {
+                    for (;;) (void)::open("/dev/null", O_RDONLY);
+                }).detach();
+            while (::open("/dev/null", O_RDONLY) >= 0) {
+            }
+            writeToForbiddenMemory();
+        }));
+        EXPECT_EQ(storedReason(), "SIGSEGV");
+        std::filesystem::remove_all(root_ / "config");
+    }
 }
 
 TEST_F(CrashTest, AHeapThatIsFoundCorruptWhileItsLockIsHeldIsTold) {

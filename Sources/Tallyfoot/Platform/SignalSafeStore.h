@@ -16,8 +16,8 @@ public:
     virtual ~SignalSafeStore() = default;
 
     // Replaces the key's value by plain system calls alone: no memory, no lock, little stack. The
-    // keys must differ. What is no character of a text file is replaced by U+FFFD. False when the
-    // disk refused; the former value stays then.
+    // keys must differ. What is no character of a text file is replaced by U+FFFD; a text beyond 2 MiB
+    // keeps its beginning. False when the disk refused; the former value stays then.
     virtual bool store(std::span<const Text> texts) noexcept = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Platform/Posix/AlternateStack.h"
 
+#include <pthread.h>
 #include <signal.h>
 #include <sys/syscall.h>
 #include <time.h>
@@ -10,6 +11,8 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 
@@ -20,6 +23,7 @@ namespace {
 constexpr unsigned patienceInSeconds = 5; // with hooks and exit handlers, the host's among them
 constexpr int mostPauses = 2000;          // while another thread keeps what its hook keeps
 constexpr int mostSignals = 65;
+constexpr std::size_t sizeOfMask = 8; // as the system knows it
 
 // What is read inside a handler: constant-initialised, lock-free, in nobody's thread-local storage, which
 // may be allocated when it is first touched.
@@ -31,7 +35,8 @@ constinit std::atomic<pid_t> crashingThread{0};
 constinit std::atomic<pid_t> reasoningThread{0}; // asks an exception for its reason
 constinit std::atomic<int> crashingSignal{0};    // 0 for an exception
 constinit std::atomic<bool> isKept{false};
-constinit sigset_t interruptedMask{}; // of the crashing thread; nobody else touches it
+constinit std::atomic<std::int64_t> deadline{0}; // of the watchdog, in nanoseconds
+constinit const void* interruptedMask = nullptr; // where the crashing thread's is; nobody else touches it
 
 static_assert(std::atomic<CrashHooks::SignalHook>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
 
@@ -40,7 +45,7 @@ pid_t thisThread() noexcept { return static_cast<pid_t>(::syscall(SYS_gettid)); 
 void setAction(int number, void (*handler)(int)) noexcept {
     struct sigaction action {};
     action.sa_handler = handler;
-    action.sa_flags = SA_ONSTACK;
+    action.sa_flags = SA_ONSTACK | SA_RESTART;
     ::sigfillset(&action.sa_mask);
     ::sigaction(number, &action, nullptr);
 }
@@ -61,13 +66,53 @@ void unblock(int number) noexcept {
     ::_exit(SIGABRT);
 }
 
-void onAlarm(int) { endAtOnce(); }
+std::int64_t now() noexcept {
+    timespec time{};
+    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
 
-// An alarm rather than a thread that watches: it needs nothing made beforehand and reaches any thread.
+void keep(std::string_view reason) noexcept;
+
+// A timer of the host's may ring with the same signal, and earlier.
+void onAlarm(int) {
+    if (now() < deadline.load()) return;
+    // A reason that does not come is none.
+    if (reasoningThread.load() != 0 && crashingThread.load() == 0) keep({});
+    endAtOnce();
+}
+
+// Alarms rather than a thread that watches: they need nothing made beforehand. The first goes to any thread,
+// if this one cannot hear it; the second to this one, if a thread of the host's waits for the first and takes it.
 void armWatchdog() noexcept {
+    deadline.store(now() + std::int64_t{patienceInSeconds} * 1'000'000'000);
     setAction(SIGALRM, onAlarm);
     unblock(SIGALRM);
     ::alarm(patienceInSeconds);
+
+    sigevent ring{};
+    ring.sigev_notify = SIGEV_THREAD_ID;
+    ring.sigev_signo = SIGALRM;
+    ring._sigev_un._tid = thisThread();
+    int timer = 0;
+    itimerspec time{};
+    time.it_value.tv_sec = patienceInSeconds;
+    // The C library's own functions may take memory.
+    if (::syscall(SYS_timer_create, CLOCK_MONOTONIC, &ring, &timer) == 0)
+        ::syscall(SYS_timer_settime, timer, 0, &time, nullptr);
+}
+
+// From here on nothing cuts the thread short: no signal that is sent to it (a fault does, and ends the process),
+// no request for its cancellation, no file that grows beyond what the process may write.
+sigset_t protectThread() noexcept {
+    sigset_t all;
+    sigset_t former;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &former);
+    int state = 0;
+    ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+    setAction(SIGXFSZ, SIG_IGN);
+    return former;
 }
 
 void pauseBriefly() noexcept {
@@ -98,19 +143,16 @@ void leaveToDefaultAction(int number) noexcept {
 
 void onSignal(int number, siginfo_t*, void* context) {
     if (!isOurProcess()) return leaveToDefaultAction(number);
+    (void)protectThread(); // a handler of the host's that passes the signal on may have blocked nothing
     if (!claim(number)) endAtOnce();
-    interruptedMask = static_cast<const ucontext_t*>(context)->uc_sigmask;
+    interruptedMask = static_cast<const char*>(context) + offsetof(ucontext_t, uc_sigmask);
     armWatchdog();
     signalHooks[static_cast<std::size_t>(number)].load()(number);
     endAtOnce();
 }
 
-// No signal that is sent to the thread gets in between; a fault does, and ends the process.
 void keep(std::string_view reason) noexcept {
-    sigset_t all;
-    sigset_t former;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &former);
+    const auto former = protectThread();
     if (!claim(0)) endAtOnce();
     armWatchdog();
     exceptionHook.load()(reason);
@@ -137,6 +179,7 @@ void onExceptionOfRuntime(std::string_view reason) noexcept {
     // A reason that itself cannot be had: the second time round we go without.
     const bool isSecondRound = reasoningThread.exchange(thisThread()) == thisThread();
     if (!isSecondRound && std::current_exception()) {
+        armWatchdog(); // to find the reason is to run code of the host's
         try {
             throw;
         } catch (const std::exception& exception) {
@@ -176,11 +219,12 @@ void PosixCrashHooks::signal(int number, SignalHook hook) {
 
 void PosixCrashHooks::exit(int status) noexcept {
     isKept.store(true);
-    // The exit handlers run as the thread ran, but open to a crash of their own and to the alarm.
+    // The exit handlers run as the thread ran, but open to a crash of their own and to the alarm. By the bare
+    // system call, which refuses an address that is none: a handler of the host's that passes a signal on may
+    // do so by its number alone.
+    ::syscall(SYS_rt_sigprocmask, SIG_SETMASK, interruptedMask, nullptr, sizeOfMask);
     for (int number = 1; number < mostSignals; ++number)
-        if (number == SIGALRM || signalHooks[static_cast<std::size_t>(number)].load() != nullptr)
-            ::sigdelset(&interruptedMask, number);
-    ::pthread_sigmask(SIG_SETMASK, &interruptedMask, nullptr);
+        if (number == SIGALRM || signalHooks[static_cast<std::size_t>(number)].load() != nullptr) unblock(number);
     std::exit(status);
 }
 

@@ -1,7 +1,11 @@
 #include "Tallyfoot/Platform/Posix/PosixSignalSafeStore.h"
 
+#include "Tallyfoot/Platform/Posix/PosixPropertyLists.h"
+
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
@@ -23,14 +27,16 @@ public:
             if (used_ == buffer_.size()) flush();
             buffer_[used_++] = byte;
         }
+        length_ += piece.size();
     }
+    std::size_t length() const noexcept { return length_; }
     bool flush() noexcept {
         for (std::size_t done = 0; done < used_ && isGood_;) {
             const auto count = ::write(file_, buffer_.data() + done, used_ - done);
-            if (count >= 0)
+            if (count > 0)
                 done += static_cast<std::size_t>(count);
             else
-                isGood_ = errno == EINTR;
+                isGood_ = count < 0 && errno == EINTR;
         }
         used_ = 0;
         return isGood_;
@@ -39,7 +45,8 @@ public:
 private:
     int file_;
     bool isGood_ = true;
-    std::size_t used_ = 0;
+    std::size_t length_ = 0;
+    std::size_t used_ = 0; // of the buffer
     std::array<char, 512> buffer_{};
 };
 
@@ -62,8 +69,11 @@ std::size_t lengthOfCharacter(std::string_view text) noexcept {
     return isAllowed ? length : 0;
 }
 
+// A list that is too large would never be read again.
+constexpr std::size_t mostOfText = PosixPropertyLists::maximumSize / 8;
+
 void addEscaped(Output& output, std::string_view text) noexcept {
-    while (!text.empty()) {
+    for (const auto end = output.length() + mostOfText; !text.empty() && output.length() < end;) {
         const auto length = lengthOfCharacter(text);
         switch (text.front()) {
         case '\r': output.add("&#13;"); break; // bare, it would read as a line feed elsewhere
@@ -93,21 +103,45 @@ bool write(int file, std::span<const SignalSafeStore::Text> texts) noexcept {
     return output.flush();
 }
 
+constexpr std::string_view hiddenHead = "/.value.";
+constexpr std::size_t mostDigits = 10;
+
+// The folder and all that it lies in, outermost first.
+std::vector<std::string> wayTo(const std::string& folder) {
+    std::vector<std::string> folders;
+    for (auto end = folder.find('/', 1); end != std::string::npos; end = folder.find('/', end + 1))
+        folders.push_back(folder.substr(0, end));
+    folders.push_back(folder);
+    return folders;
+}
+
 } // namespace
 
 PosixSignalSafeStore::PosixSignalSafeStore(const std::string& folder, std::string path, std::string key,
                                            const std::atomic<NumberTable*>& numbers)
-    : folder_(folder), hidden_(folder + "/.value." + std::to_string(::getpid()) + ".new"), path_(std::move(path)),
-      key_(std::move(key)), numbers_(numbers), spare_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {}
+    : folders_(wayTo(folder)), hidden_(folder + std::string(hiddenHead) + std::string(mostDigits, '0') + ".new"),
+      path_(std::move(path)), key_(std::move(key)), numbers_(numbers),
+      spare_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {}
+
+// A process that was forked since has this store too, and must not write into the same file.
+void PosixSignalSafeStore::nameHidden() noexcept {
+    auto digit = folders_.back().size() + hiddenHead.size() + mostDigits;
+    for (auto rest = ::getpid(); rest > 0; rest /= 10) hidden_[--digit] = static_cast<char>('0' + rest % 10);
+}
 
 FileDescriptor PosixSignalSafeStore::open() noexcept {
     const auto once = [this] {
         return FileDescriptor(::open(hidden_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
     };
     auto file = once();
-    if (!file && errno == ENOENT && ::mkdir(folder_.c_str(), 0700) == 0) file = once(); // somebody removed it
     if (!file && (errno == EMFILE || errno == ENFILE)) {
+        // With descriptors of its own first: other threads may be waiting for one to come free.
+        ::syscall(SYS_unshare, CLONE_FILES);
         spare_ = FileDescriptor();
+        file = once();
+    }
+    if (!file && errno == ENOENT) { // somebody removed it
+        for (const auto& folder : folders_) ::mkdir(folder.c_str(), 0700);
         file = once();
     }
     return file;
@@ -115,6 +149,7 @@ FileDescriptor PosixSignalSafeStore::open() noexcept {
 
 bool PosixSignalSafeStore::store(std::span<const Text> texts) noexcept {
     const int kept = errno;
+    nameHidden();
     auto file = open();
     const bool isOpen = bool(file);
     bool isStored = isOpen && write(file.number(), texts);

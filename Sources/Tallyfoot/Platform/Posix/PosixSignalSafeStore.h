@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <string>
+#include <vector>
 
 namespace tallyfoot {
 
@@ -20,10 +21,11 @@ public:
     bool store(std::span<const Text> texts) noexcept override;
 
 private:
+    void nameHidden() noexcept;
     FileDescriptor open() noexcept;
 
-    const std::string folder_;
-    const std::string hidden_;
+    const std::vector<std::string> folders_;
+    std::string hidden_;
     const std::string path_;
     const std::string key_;
     const std::atomic<NumberTable*>& numbers_;
