@@ -24,36 +24,69 @@ void PrintTo(const Callback& row, std::ostream* stream) { *stream << row.name; }
 
 int heard = 0;
 
-void hear(id, SEL, id, id) { ++heard; }
+// With and without an item.
+template <class... Item>
+void hear(id, SEL, id, Item...) {
+    ++heard;
+}
 
-void raise(id, SEL, id, id) { [NSException raise:@"Own" format:@"of the host"]; }
+template <class... Item>
+void raise(id, SEL, id, Item...) {
+    [NSException raise:@"Own" format:@"of the host"];
+}
 
-void goAway(id self, SEL, id, id) {
+template <class... Item>
+void goAway(id self, SEL, id, Item...) {
     ++heard;
     [self release];
 }
 
-void hearAfterSuper(id self, SEL selector, id sender, id item) {
-    Class above = objc_lookUpClass("Above");
-    objc_super super{self, above};
-    reinterpret_cast<void (*)(id, SEL, id, id)>(objc_msg_lookup_super(&super, selector))(self, selector, sender, item);
+template <class... Item>
+void hearAfterSuper(id self, SEL selector, id sender, Item... item) {
+    objc_super super{self, objc_lookUpClass("Above")};
+    const IMP above = objc_msg_lookup_super(&super, selector);
+    reinterpret_cast<void (*)(id, SEL, id, Item...)>(above)(self, selector, sender, item...);
     ++heard;
 }
+
+int seen = 0;
+IMP behindWatch = nullptr;
+
+template <class... Item>
+void watch(id self, SEL selector, id sender, Item... item) {
+    ++seen;
+    reinterpret_cast<void (*)(id, SEL, id, Item...)>(behindWatch)(self, selector, sender, item...);
+}
+
+struct Body {
+    void (*withoutItem)(id, SEL, id);
+    void (*withItem)(id, SEL, id, id);
+
+    IMP of(const Callback& row) const {
+        return row.hasItem ? reinterpret_cast<IMP>(withItem) : reinterpret_cast<IMP>(withoutItem);
+    }
+};
+
+constexpr Body none{nullptr, nullptr};
+constexpr Body hearing{hear<>, hear<id>};
+constexpr Body raising{raise<>, raise<id>};
+constexpr Body leaving{goAway<>, goAway<id>};
+constexpr Body hearingAfterSuper{hearAfterSuper<>, hearAfterSuper<id>};
+constexpr Body watching{watch<>, watch<id>};
 
 Class hiddenBehind(id self, SEL) { return class_getSuperclass(object_getClass(self)); }
 
 class ObjCCallbacks : public ObjCCapture, public ::testing::WithParamInterface<Callback> {
 protected:
-    using Body = void (*)(id, SEL, id, id);
-
-    Class delegateClass(const char* name, Body body, Class superclass = [NSObject class]) {
+    Class delegateClass(const char* name, const Body& body, Class superclass = [NSObject class]) {
         Class made = objc_allocateClassPair(superclass, name, 0);
-        if (body) class_addMethod(made, selector_, reinterpret_cast<IMP>(body), GetParam().hasItem ? "v@:@@" : "v@:@");
+        if (const IMP code = body.of(GetParam()))
+            class_addMethod(made, selector_, code, GetParam().hasItem ? "v@:@@" : "v@:@");
         objc_registerClassPair(made);
         return made;
     }
 
-    id delegate(const char* name, Body body) { return [[[delegateClass(name, body) alloc] init] autorelease]; }
+    id delegate(const char* name, const Body& body) { return [[[delegateClass(name, body) alloc] init] autorelease]; }
 
     id sender() {
         id made = [[[objc_lookUpClass(GetParam().className) alloc] init] autorelease];
@@ -93,21 +126,21 @@ protected:
 };
 
 TEST_P(ObjCCallbacks, ReachADelegateThatImplementsThem) {
-    setAndTell(delegate("Implementing", hear));
+    setAndTell(delegate("Implementing", hearing));
     EXPECT_EQ(heard, 1);
     EXPECT_EQ(recorded(), event_);
 }
 
 TEST_P(ObjCCallbacks, AreRecordedForADelegateThatLacksThem) {
-    id lacking = delegate("Lacking", nullptr);
+    id lacking = delegate("Lacking", none);
     EXPECT_FALSE([lacking respondsToSelector:selector_]);
     setAndTell(lacking);
     EXPECT_EQ(recorded(), event_);
 }
 
 TEST_P(ObjCCallbacks, ReachADelegateThatInheritsThem) {
-    Class above = delegateClass("Above", hear);
-    id inheriting = [[[delegateClass("Inheriting", nullptr, above) alloc] init] autorelease];
+    Class above = delegateClass("Above", hearing);
+    id inheriting = [[[delegateClass("Inheriting", none, above) alloc] init] autorelease];
     setAndTell(inheriting);
     EXPECT_EQ(heard, 1);
     EXPECT_EQ(recorded(), event_);
@@ -118,8 +151,8 @@ TEST_P(ObjCCallbacks, ReachADelegateThatInheritsThem) {
 }
 
 TEST_P(ObjCCallbacks, AreRecordedOnceForAnOverrideThatCallsItsSuperclass) {
-    Class above = delegateClass("Above", hear);
-    id overriding = [[[delegateClass("Overriding", hearAfterSuper, above) alloc] init] autorelease];
+    Class above = delegateClass("Above", hearing);
+    id overriding = [[[delegateClass("Overriding", hearingAfterSuper, above) alloc] init] autorelease];
     set(sender(), [[[above alloc] init] autorelease]);
     setAndTell(overriding);
     EXPECT_EQ(heard, 2);
@@ -127,7 +160,7 @@ TEST_P(ObjCCallbacks, AreRecordedOnceForAnOverrideThatCallsItsSuperclass) {
 }
 
 TEST_P(ObjCCallbacks, ReachADelegateThatTwoShare) {
-    id shared = delegate("Shared", hear);
+    id shared = delegate("Shared", hearing);
     id second = sender();
     set(sender_, shared);
     set(second, shared);
@@ -138,7 +171,7 @@ TEST_P(ObjCCallbacks, ReachADelegateThatTwoShare) {
 }
 
 TEST_P(ObjCCallbacks, ReachADelegateThatIsSetAThousandTimes) {
-    id stubborn = delegate("Stubborn", hear);
+    id stubborn = delegate("Stubborn", hearing);
     for (int number = 0; number < 1000; ++number) set(sender_, number % 3 ? stubborn : nil);
     setAndTell(stubborn);
     EXPECT_EQ(heard, 1);
@@ -146,7 +179,7 @@ TEST_P(ObjCCallbacks, ReachADelegateThatIsSetAThousandTimes) {
 }
 
 TEST_P(ObjCCallbacks, ReachThousandsOfDelegates) {
-    Class one = delegateClass("OneOfMany", hear);
+    Class one = delegateClass("OneOfMany", hearing);
     for (int number = 0; number < 2000; ++number) {
         id many = [[one alloc] init];
         set(sender_, many);
@@ -159,23 +192,23 @@ TEST_P(ObjCCallbacks, ReachThousandsOfDelegates) {
 }
 
 TEST_P(ObjCCallbacks, ReachTheDelegateThatReplacesAnother) {
-    id former = delegate("Former", hear);
+    id former = delegate("Former", hearing);
     set(sender_, former);
-    setAndTell(delegate("Latter", nullptr));
+    setAndTell(delegate("Latter", none));
     EXPECT_EQ(heard, 0);
     EXPECT_EQ(recorded(), event_);
 }
 
 TEST_P(ObjCCallbacks, NeedNoDelegate) {
     set(sender_, nil);
-    set(sender_, delegate("Passing", hear));
+    set(sender_, delegate("Passing", hearing));
     set(sender_, nil);
     EXPECT_EQ(heard, 0);
     EXPECT_EQ(recorded(), "");
 }
 
 TEST_P(ObjCCallbacks, ReachADelegateThatIsObserved) {
-    id observed = delegate("Observed", hear);
+    id observed = delegate("Observed", hearing);
     Class made = objc_allocateClassPair([observed class], "NSKVONotifying_Observed", 0);
     for (const char* hiding : {"class", "classForCoder"})
         class_addMethod(made, sel_registerName(hiding), reinterpret_cast<IMP>(hiddenBehind), "#@:");
@@ -192,7 +225,7 @@ TEST_P(ObjCCallbacks, ReachADelegateThatIsObserved) {
 
 TEST_P(ObjCCallbacks, AreNotRecordedOfWhatIsSwitchedOff) {
     if ([sender_ respondsToSelector:@selector(setLogEnabled:)]) [sender_ setLogEnabled:NO];
-    setAndTell(delegate("Implementing", hear));
+    setAndTell(delegate("Implementing", hearing));
     EXPECT_EQ(heard, 1);
     EXPECT_EQ(recorded(), "");
 }
@@ -203,51 +236,42 @@ TEST_P(ObjCCallbacks, AreNotRecordedWhereTheirKindIsIgnored) {
     [Tallyfoot configure:nil
                 ignoreClasses:@[ [NSString stringWithUTF8String:category.c_str()] ]
         authenticationClosure:nil];
-    setAndTell(delegate("Implementing", hear));
+    setAndTell(delegate("Implementing", hearing));
     EXPECT_EQ(heard, 1);
     EXPECT_EQ(recorded(), "");
 }
 
 TEST_P(ObjCCallbacks, LetThroughWhatTheHostRaises) {
-    id raising = delegate("Raising", raise);
-    set(sender_, raising);
+    id complaining = delegate("Raising", raising);
+    set(sender_, complaining);
     NSString* name = nil;
     @try {
-        tell(raising, sender_);
+        tell(complaining, sender_);
     } @catch (NSException* exception) {
         name = [exception name];
     }
     EXPECT_TRUE([name isEqual:@"Own"]);
     EXPECT_EQ(recorded(), "");
-    setAndTell(delegate("Implementing", hear));
+    setAndTell(delegate("Implementing", hearing));
     EXPECT_EQ(recorded(), event_);
 }
 
 TEST_P(ObjCCallbacks, MayBeADelegatesLast) {
-    id leaving = [[delegateClass("Leaving", goAway) alloc] init];
+    id last = [[delegateClass("Leaving", leaving) alloc] init];
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    set(sender_, leaving);
+    set(sender_, last);
     [pool drain];
-    tell(leaving, sender_);
+    tell(last, sender_);
     set(sender_, nil);
     EXPECT_EQ(heard, 1);
     EXPECT_EQ(recorded(), event_);
 }
 
-using Watch = void (*)(id, SEL, id, id);
-int seen = 0;
-Watch behindWatch = nullptr;
-
-void watch(id self, SEL selector, id sender, id item) {
-    ++seen;
-    behindWatch(self, selector, sender, item);
-}
-
 TEST_P(ObjCCallbacks, PassAnotherLibraryThatComesLater) {
-    id watched = delegate("Watched", hear);
+    id watched = delegate("Watched", hearing);
     set(sender_, watched);
     const Method method = class_getInstanceMethod([watched class], selector_);
-    behindWatch = reinterpret_cast<Watch>(method_setImplementation(method, reinterpret_cast<IMP>(watch)));
+    behindWatch = method_setImplementation(method, watching.of(GetParam()));
     setAndTell(watched);
     EXPECT_EQ(seen, 1);
     EXPECT_EQ(heard, 1);
