@@ -29,7 +29,7 @@ protected:
     static bool act(id sender, const char* action = "act:");
 
     // A button that answers its title, to start with.
-    static void makeButton(NSString* (*title)(id, SEL));
+    static void makeButton(id (*title)(id, SEL));
 };
 
 } // namespace tallyfoot::testing

@@ -32,7 +32,7 @@ bool ObjCOtherUIKit::act(id sender, const char* action) {
            != NO;
 }
 
-void ObjCOtherUIKit::makeButton(NSString* (*title)(id, SEL)) {
+void ObjCOtherUIKit::makeButton(id (*title)(id, SEL)) {
     make("UIButton");
     class_addMethod(objc_lookUpClass("UIButton"), sel_registerName("currentTitle"), reinterpret_cast<IMP>(title),
                     "@@:");

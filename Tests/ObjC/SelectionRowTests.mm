@@ -266,7 +266,6 @@ INSTANTIATE_TEST_SUITE_P(Searches, ObjCTold, ::testing::ValuesIn(searches), name
 id scrollIn(UIView* outer) {
     UIScrollView* made = ofClass("UIScrollView");
     [outer addSubview:made];
-    [outer retain]; // it is not kept by what it contains
     return made;
 }
 
