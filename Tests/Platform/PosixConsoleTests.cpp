@@ -1,9 +1,12 @@
+#include "Support/FileSizeLimit.h"
 #include "Support/TemporaryFolder.h"
 
+#include "Tallyfoot/Platform/Posix/FileDescriptor.h"
 #include "Tallyfoot/Platform/Posix/PosixConsole.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -11,6 +14,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdlib>
 #include <future>
 #include <map>
 #include <sstream>
@@ -146,15 +150,16 @@ TEST(PosixConsole, AnOutputThatTakesNothingLosesTheTextSoon) {
 }
 
 // Whether so many texts are written soon, to a reader that reads none of them.
-bool isWritten(Pipe& pipe, std::size_t count, const std::string& text) {
+template <class Channel>
+bool isWritten(Channel& channel, std::size_t count, const std::string& text) {
     std::packaged_task<void()> write([&] {
-        PosixConsole console(pipe.writer());
+        PosixConsole console(channel.writer());
         for (std::size_t written = 0; written < count; ++written) console.write(text);
     });
     auto end = write.get_future();
     std::thread writer(std::move(write));
     const bool isWritten = end.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
-    if (!isWritten) pipe.closeReader(); // lets the writer go
+    if (!isWritten) channel.closeReader(); // lets the writer go
     writer.join();
     return isWritten;
 }
@@ -185,6 +190,55 @@ TEST(PosixConsole, ASlowReaderOfANonBlockingPipeGetsEverythingItMakesRoomFor) {
     EXPECT_EQ(pipe.readSome().size(), 4096U);
     console.write(std::string(4096, 'b'));
     EXPECT_EQ(pipe.readSome(), std::string(4096, 'b'));
+}
+
+class Terminal {
+public:
+    Terminal() {
+        EXPECT_EQ(::grantpt(screen_.number()), 0);
+        EXPECT_EQ(::unlockpt(screen_.number()), 0);
+        line_ = FileDescriptor(::open(::ptsname(screen_.number()), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        EXPECT_TRUE(line_);
+    }
+
+    int writer() const { return line_.number(); }
+
+    void closeReader() { screen_ = FileDescriptor(); }
+
+    std::string readSome() const {
+        pollfd ready{screen_.number(), POLLIN, 0};
+        (void)::poll(&ready, 1, 1000);
+        std::string bytes(1U << 16U, '\0');
+        const auto count = ::read(screen_.number(), bytes.data(), bytes.size());
+        bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return bytes;
+    }
+
+private:
+    FileDescriptor screen_{::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)};
+    FileDescriptor line_;
+};
+
+TEST(PosixConsole, ATerminalThatStandsStillHoldsNobody) {
+    Terminal terminal;
+    ASSERT_TRUE(isWritten(terminal, 1000, std::string(1000, 'x') + '\n'));
+    EXPECT_EQ(::fcntl(terminal.writer(), F_GETFL) & O_NONBLOCK, 0); // the host writes to it as before
+    std::string shown;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (shown.find("again\r\n") == shown.npos && std::chrono::steady_clock::now() < deadline) {
+        shown += terminal.readSome(); // what was read makes room a little later
+        PosixConsole(terminal.writer()).write("again\n");
+    }
+    EXPECT_NE(shown.find("again\r\n"), shown.npos);
+}
+
+TEST(PosixConsole, AFileAtTheLimitOfTheProcessLosesTheTextAndRaisesNoSignal) {
+    const TemporaryFolder folder;
+    const FileDescriptor file(::open((folder / "output").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    const FileSizeLimit limit(10);
+    PosixConsole(file.number()).write("12345678\n");
+    PosixConsole(file.number()).write("lost\n");
+    EXPECT_EQ(::lseek(file.number(), 0, SEEK_END), 10);
 }
 
 TEST(PosixConsole, AClosedDescriptorLosesTheText) {

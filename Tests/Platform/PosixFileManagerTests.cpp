@@ -1,3 +1,4 @@
+#include "Support/FileSizeLimit.h"
 #include "Support/OrdinaryUser.h"
 #include "Support/TemporaryFolder.h"
 
@@ -49,6 +50,28 @@ TEST(PosixFileHandle, AnAppendThatDoesNotFitLeavesTheFileAsItWas) {
     EXPECT_EQ(readFile(folder / "a"), "0123456789first");
     EXPECT_TRUE(handle.value()->append("fits!"));
     EXPECT_EQ(readFile(folder / "a"), "0123456789firstfits!");
+}
+
+TEST(PosixFileHandle, TheLimitOfTheProcessThatItIsOpenedUnderEndsNoHost) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "0123456789");
+    const FileSizeLimit limit(20);
+    PosixFileManager files;
+    auto handle = files.fileHandleForWriting(folder / "a");
+    ASSERT_TRUE(handle);
+    ASSERT_TRUE(handle.value()->append("first"));
+    EXPECT_FALSE(handle.value()->append("too long for the file"));
+    EXPECT_EQ(readFile(folder / "a"), "0123456789first");
+    EXPECT_TRUE(handle.value()->append("fits!"));
+    EXPECT_FALSE(handle.value()->append("."));
+    EXPECT_EQ(readFile(folder / "a"), "0123456789firstfits!");
+}
+
+TEST(PosixFileManager, TheLimitOfTheProcessEndsNoHostThatWritesAWholeFile) {
+    TemporaryFolder folder;
+    const FileSizeLimit limit(20);
+    EXPECT_FALSE(PosixFileManager().writeAtomically(folder / "a", std::string(21, 'x')));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
 TEST(PosixFileHandle, TheFirstAppendOfAHandleIsWholeOrNotAtAllToo) {

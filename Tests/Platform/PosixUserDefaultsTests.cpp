@@ -1,3 +1,4 @@
+#include "Support/FileSizeLimit.h"
 #include "Support/OrdinaryUser.h"
 #include "Support/TemporaryFolder.h"
 
@@ -373,9 +374,7 @@ TEST_F(PosixUserDefaultsTest, AFullDiskKeepsTheFormerValueOnItAndTheNewOneInMemo
     const auto defaults = open();
     defaults->setObject("text", text("former"));
     defaults->setInteger("number", 1);
-    ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR);
-    const rlimit limit{1000, RLIM_INFINITY};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    const FileSizeLimit limit(1000);
     defaults->setObject("text", text(std::string(2000, 'x')));
     EXPECT_FALSE(defaults->synchronize());
     EXPECT_EQ(defaults->object("text"), text(std::string(2000, 'x')));
@@ -385,9 +384,7 @@ TEST_F(PosixUserDefaultsTest, AFullDiskKeepsTheFormerValueOnItAndTheNewOneInMemo
 }
 
 TEST_F(PosixUserDefaultsTest, WithoutRoomForTheTableNumbersAreFiles) {
-    ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR);
-    const rlimit limit{1000, RLIM_INFINITY};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    const FileSizeLimit limit(1000);
     open()->setInteger("number", 5);
     EXPECT_EQ(open()->integer("number"), 5);
     EXPECT_TRUE(open()->synchronize());
@@ -486,9 +483,8 @@ TEST_F(PosixSignalSafeStoreTest, WhatTheDiskRefusesLeavesTheFormerValue) {
     const auto defaults = open();
     defaults->setObject("crash", text("former"));
     const auto store = defaults->makeSignalSafeStore("crash");
-    ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR);
-    const rlimit limit{1000, RLIM_INFINITY};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR); // a crash hook runs with every signal blocked
+    const FileSizeLimit limit(1000);
     const std::string reason(2000, 'x');
     const std::array<SignalSafeStore::Text, 1> texts{{{"crashreason", reason}}};
     EXPECT_FALSE(store->store(texts));

@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Platform/Posix/FileDescriptor.h"
 #include "Tallyfoot/Platform/Posix/SystemError.h"
+#include "Tallyfoot/Platform/Posix/WriteSignals.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -120,12 +121,15 @@ bool NumberTable::create(const std::string& path) {
     if (!file) return false;
     // Room that is not there yet would be asked for by a store, and refused by a signal.
     const std::array<std::uint64_t, 2> head{signature, sizeof(Layout)};
+    WriteSignals signals;
     const bool isMade = ::posix_fallocate(file.number(), 0, static_cast<off_t>(sizeof(Layout))) == 0
                         && retrying([&] { return ::pwrite(file.number(), head.data(), sizeof head, 0); })
                                == static_cast<ssize_t>(sizeof head)
                         && ::rename(hidden.c_str(), path.c_str()) == 0;
-    if (!isMade) (void)::unlink(hidden.c_str());
-    return isMade;
+    if (isMade) return true;
+    signals.takeAway(SIGXFSZ);
+    (void)::unlink(hidden.c_str());
+    return false;
 }
 
 NumberTable::~NumberTable() { ::munmap(layout_, sizeof(Layout)); }

@@ -1,14 +1,14 @@
 #include "Tallyfoot/Platform/Posix/PosixConsole.h"
 
 #include "Tallyfoot/Platform/Mutex.h"
+#include "Tallyfoot/Platform/Posix/FileDescriptor.h"
 #include "Tallyfoot/Platform/Posix/SystemError.h"
+#include "Tallyfoot/Platform/Posix/WriteSignals.h"
 
+#include <fcntl.h>
 #include <limits.h>
 #include <poll.h>
-#include <pthread.h>
-#include <signal.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +16,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace tallyfoot {
 
@@ -35,39 +36,6 @@ Output& output() {
     return shared;
 }
 
-// For the length of a write, SIGPIPE is held back; the one that the write caused is taken away.
-class PipeSignalGuard {
-public:
-    PipeSignalGuard() {
-        ::sigemptyset(&pipe_);
-        ::sigaddset(&pipe_, SIGPIPE);
-        ::pthread_sigmask(SIG_BLOCK, &pipe_, &former_);
-        // Only a thread that had blocked the signal before can have one waiting that is not ours.
-        sigset_t pending;
-        isForeign_ = ::sigismember(&former_, SIGPIPE) == 1 && ::sigpending(&pending) == 0
-                     && ::sigismember(&pending, SIGPIPE) == 1;
-    }
-
-    ~PipeSignalGuard() {
-        const timespec none{};
-        if (wasRaised_ && !isForeign_)
-            while (::sigtimedwait(&pipe_, nullptr, &none) == -1 && errno == EINTR) {
-            }
-        ::pthread_sigmask(SIG_SETMASK, &former_, nullptr);
-    }
-
-    PipeSignalGuard(const PipeSignalGuard&) = delete;
-    PipeSignalGuard& operator=(const PipeSignalGuard&) = delete;
-
-    void raised() { wasRaised_ = true; }
-
-private:
-    sigset_t pipe_;
-    sigset_t former_;
-    bool isForeign_;
-    bool wasRaised_ = false;
-};
-
 using Instant = std::chrono::steady_clock::time_point;
 
 bool becomesWritable(int descriptor, Instant until) {
@@ -79,16 +47,26 @@ bool becomesWritable(int descriptor, Instant until) {
            != 0;
 }
 
-bool isRegularFile(int descriptor) {
+mode_t kindOf(int descriptor) {
     struct stat status {};
-    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    return ::fstat(descriptor, &status) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+// A terminal that is ready may have room for a single character, and would be waited for until the rest
+// fits. Opened anew it is not, and the host's own descriptor, others' too perhaps, stays as it is.
+FileDescriptor openedAnew(int terminal) {
+    const auto path = "/proc/self/fd/" + std::to_string(terminal);
+    return FileDescriptor(::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
 }
 
 // The part that the descriptor did not take.
 std::string_view writtenOut(int descriptor, std::string_view text, Instant until) {
-    PipeSignalGuard guard;
+    WriteSignals signals;
+    const auto kind = kindOf(descriptor);
+    const auto terminal = kind == S_IFCHR && ::isatty(descriptor) == 1 ? openedAnew(descriptor) : FileDescriptor();
+    if (terminal) descriptor = terminal.number();
     // A pipe that is ready takes so much at once; more than that would be waited for, as long as it takes.
-    const std::size_t most = text.size() <= PIPE_BUF || isRegularFile(descriptor) ? text.size() : PIPE_BUF;
+    const std::size_t most = kind == S_IFREG ? text.size() : PIPE_BUF;
     while (!text.empty() && becomesWritable(descriptor, until)) {
         const auto count = ::write(descriptor, text.data(), std::min(text.size(), most));
         if (count >= 0) {
@@ -96,7 +74,7 @@ std::string_view writtenOut(int descriptor, std::string_view text, Instant until
         } else if (errno == EAGAIN) {
             if (std::chrono::steady_clock::now() >= until) break;
         } else if (errno != EINTR) {
-            if (errno == EPIPE) guard.raised();
+            signals.takeAway(errno == EPIPE ? SIGPIPE : SIGXFSZ);
             break;
         }
     }

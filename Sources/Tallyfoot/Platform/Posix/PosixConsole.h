@@ -7,7 +7,7 @@ namespace tallyfoot {
 // Writes to a descriptor, standard output unless told otherwise. All consoles of the process take
 // turns. A descriptor that would block is given a quarter of a second; what it has not taken by then is
 // lost, and so is what it does not take at once from then on. What it takes again starts on a line of
-// its own. A reader that went away raises no signal.
+// its own. Neither a reader that went away nor a file at the limit of the process raises a signal.
 class PosixConsole final : public Console {
 public:
     PosixConsole() : PosixConsole(1) {}

@@ -1,19 +1,48 @@
 #include "Tallyfoot/Platform/Posix/PosixFileHandle.h"
 
 #include "Tallyfoot/Platform/Posix/SystemError.h"
+#include "Tallyfoot/Platform/Posix/WriteSignals.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <limits>
 
 namespace tallyfoot {
 
+namespace {
+
+std::uint64_t roomIn(int file) {
+    struct rlimit limit {};
+    struct stat status {};
+    if (::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
+        return std::numeric_limits<std::uint64_t>::max();
+    const auto size = ::fstat(file, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : limit.rlim_cur;
+    return limit.rlim_cur - std::min<std::uint64_t>(size, limit.rlim_cur);
+}
+
+} // namespace
+
 PosixFileHandle::PosixFileHandle(FileDescriptor descriptor, std::string path)
-    : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+    : descriptor_(std::move(descriptor)), path_(std::move(path)), room_(roomIn(descriptor_.number())) {}
 
 Result<void> PosixFileHandle::append(std::string_view bytes) {
+    if (bytes.size() <= room_) {
+        auto appended = appendAll(bytes);
+        if (appended) room_ -= bytes.size();
+        return appended;
+    }
+    WriteSignals signals;
+    auto appended = appendAll(bytes);
+    if (!appended) signals.takeAway(SIGXFSZ);
+    return appended;
+}
+
+Result<void> PosixFileHandle::appendAll(std::string_view bytes) {
     if (bytes.empty()) return {};
     const auto count = retrying([&] { return ::write(descriptor_.number(), bytes.data(), bytes.size()); });
     if (count == static_cast<ssize_t>(bytes.size())) return {};

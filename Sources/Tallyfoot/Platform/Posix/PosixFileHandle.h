@@ -4,6 +4,7 @@
 #include "Tallyfoot/Platform/Posix/FileDescriptor.h"
 #include "Tallyfoot/Platform/Posix/FileWatch.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -24,10 +25,12 @@ private:
     enum class Place { here, elsewhere, unknown };
 
     Place look() const; // where the path leads to
+    Result<void> appendAll(std::string_view bytes);
     Result<void> appendRest(std::string_view bytes, std::size_t written);
 
     FileDescriptor descriptor_;
     std::string path_;
+    std::uint64_t room_;             // up to the limit that the process had for its files when this one was opened
     std::optional<FileWatch> watch_; // while it is in place, from the first question on
 };
 

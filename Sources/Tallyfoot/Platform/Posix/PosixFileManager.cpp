@@ -4,6 +4,7 @@
 #include "Tallyfoot/Platform/Posix/HomeFolder.h"
 #include "Tallyfoot/Platform/Posix/PosixFileHandle.h"
 #include "Tallyfoot/Platform/Posix/SystemError.h"
+#include "Tallyfoot/Platform/Posix/WriteSignals.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -134,10 +135,14 @@ int moveWithoutReplacing(const char* source, const char* destination) {
 }
 
 bool writeAll(int file, std::string_view bytes) {
+    WriteSignals signals;
     while (!bytes.empty()) {
         const auto count = retrying([&] { return ::write(file, bytes.data(), bytes.size()); });
         if (count == 0) errno = ENOSPC;
-        if (count <= 0) return false;
+        if (count <= 0) {
+            signals.takeAway(SIGXFSZ);
+            return false;
+        }
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return true;
