@@ -38,6 +38,16 @@ TEST(PosixBundles, OtherwiseItIsTheFolderOfTheExecutable) {
     }
 }
 
+TEST(PosixBundles, AnApplicationIsItsBundleOrInAPlainFolderItsExecutable) {
+    const auto executable = std::filesystem::read_symlink("/proc/self/exe");
+    ::unsetenv("TALLYFOOT_MAIN_BUNDLE");
+    EXPECT_EQ(bundles().applicationPath(), executable); // others may lie beside it
+    const HostBundle host("Shop");
+    EXPECT_EQ(bundles().applicationPath(), std::filesystem::canonical(host.path()));
+    std::filesystem::remove(host.path() + "/Info.plist");
+    EXPECT_EQ(bundles().applicationPath(), std::filesystem::canonical(host.path()));
+}
+
 TEST(PosixBundles, OneFolderIsOneBundleHoweverItIsNamed) {
     const HostBundle host("Shop");
     const auto path = bundles().mainBundle().path();

@@ -11,13 +11,20 @@ namespace tallyfoot {
 
 namespace {
 
+std::optional<std::filesystem::path> givenFolder() {
+    const char* given = std::getenv("TALLYFOOT_MAIN_BUNDLE");
+    if (given == nullptr || *given == '\0') return std::nullopt;
+    return given;
+}
+
+std::filesystem::path executable() {
+    std::error_code ignored;
+    return std::filesystem::read_symlink("/proc/self/exe", ignored);
+}
+
 std::string mainBundleFolder() {
     std::error_code ignored;
-    std::filesystem::path folder;
-    if (const char* given = std::getenv("TALLYFOOT_MAIN_BUNDLE"); given != nullptr && *given != '\0')
-        folder = given;
-    else
-        folder = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+    const auto folder = givenFolder().value_or(executable().parent_path());
     // One bundle has one path, however it was named: what is kept for it goes by that.
     auto real = std::filesystem::weakly_canonical(std::filesystem::absolute(folder, ignored), ignored);
     return ignored ? folder.string() : real.string();
@@ -62,6 +69,14 @@ std::optional<std::string> PosixBundle::pathForResource(std::string_view name, s
 
 PosixBundles::PosixBundles(std::shared_ptr<const PropertyLists> propertyLists)
     : propertyLists_(std::move(propertyLists)), mainBundle_(mainBundleFolder(), propertyLists_) {}
+
+std::string PosixBundles::applicationPath() const {
+    if (givenFolder() || mainBundle_.pathForResource("Info", "plist")) return mainBundle_.path();
+    auto path = executable().string();
+    constexpr std::string_view removed = " (deleted)"; // the system's word for one that was replaced meanwhile
+    if (path.ends_with(removed) && !exists(path)) path.resize(path.size() - removed.size());
+    return path;
+}
 
 std::vector<std::shared_ptr<const Bundle>> PosixBundles::allFrameworks() const {
     std::error_code failed;

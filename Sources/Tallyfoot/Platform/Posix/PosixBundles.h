@@ -36,6 +36,10 @@ public:
 
     std::vector<std::shared_ptr<const Bundle>> allFrameworks() const override;
 
+    // What no other application has: the main bundle's folder if the variable names it or an Info.plist makes
+    // it one; else the executable's path, since others may lie in its folder.
+    std::string applicationPath() const;
+
 private:
     std::shared_ptr<const PropertyLists> propertyLists_;
     PosixBundle mainBundle_;

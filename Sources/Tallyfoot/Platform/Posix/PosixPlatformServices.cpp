@@ -37,7 +37,7 @@ PlatformServices posixPlatformServices() {
     services.screen = std::make_shared<PosixScreen>();
     // Without a home the values live as long as the process.
     services.userDefaults = std::make_shared<PosixUserDefaults>(
-        userDefaultsFolder(bundles->mainBundle().path()).value_or(std::string()), propertyLists);
+        userDefaultsFolder(bundles->applicationPath()).value_or(std::string()), propertyLists);
     services.makeURLSession = [] { return std::make_shared<PosixURLSession>(); };
     return services;
 }

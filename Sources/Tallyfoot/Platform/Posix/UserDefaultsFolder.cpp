@@ -59,15 +59,15 @@ std::optional<std::string> configurationHome() {
 
 } // namespace
 
-std::optional<std::string> userDefaultsFolder(std::string_view mainBundlePath) {
+std::optional<std::string> userDefaultsFolder(std::string_view applicationPath) {
     const auto home = configurationHome();
-    return home ? std::optional(*home + "/Tallyfoot/" + bundleFolderName(mainBundlePath)) : std::nullopt;
+    return home ? std::optional(*home + "/Tallyfoot/" + bundleFolderName(applicationPath)) : std::nullopt;
 }
 
-std::string bundleFolderName(std::string_view mainBundlePath) {
-    auto name = escaped(mainBundlePath);
+std::string bundleFolderName(std::string_view applicationPath) {
+    auto name = escaped(applicationPath);
     if (name.size() <= maximumNameLength) return name;
-    const auto head = "~" + hash(mainBundlePath) + "~";
+    const auto head = "~" + hash(applicationPath) + "~";
     return head + name.substr(name.size() - (maximumNameLength - head.size()));
 }
 
