@@ -258,10 +258,10 @@ TEST_P(FileManagerContract, WritesAnEmptyFile) {
     EXPECT_EQ(files_->contents(folder_ / "a").value(), "");
 }
 
-TEST_P(FileManagerContract, WritingReplacesAndLeavesNothingBeside) {
-    writeFile(folder_ / "a", "a longer text than the next one");
-    EXPECT_TRUE(files_->writeAtomically(folder_ / "a", "new"));
-    EXPECT_EQ(readFile(folder_ / "a"), "new");
+TEST_P(FileManagerContract, WritingReplacesNothingAndLeavesNothingBeside) {
+    writeFile(folder_ / "a", "old");
+    EXPECT_FALSE(files_->writeAtomically(folder_ / "a", "new"));
+    EXPECT_EQ(readFile(folder_ / "a"), "old");
     EXPECT_THAT(names(), UnorderedElementsAre("a"));
 }
 
@@ -275,9 +275,10 @@ TEST_P(FileManagerContract, AFailedWriteLeavesNothingBehind) {
 
 TEST_P(FileManagerContract, AReaderSeesTheOldFileUntilItLetsGo) {
     writeFile(folder_ / "a", "old");
+    writeFile(folder_ / "b", "newer");
     const auto handle = files_->fileHandleForWriting(folder_ / "a");
     ASSERT_TRUE(handle);
-    ASSERT_TRUE(files_->writeAtomically(folder_ / "a", "newer"));
+    ASSERT_TRUE(files_->replaceItem(folder_ / "b", folder_ / "a"));
     std::array<char, 8> buffer{};
     EXPECT_EQ(handle.value()->read(0, buffer).value(), 3U);
     EXPECT_FALSE(handle.value()->isInPlace());
@@ -375,7 +376,8 @@ TEST_P(FileHandleContract, IsNotInPlaceOnceRenamedUntilItComesBack) {
 
 TEST_P(FileHandleContract, IsNotInPlaceOnceReplaced) {
     EXPECT_TRUE(handle().isInPlace());
-    ASSERT_TRUE(files_->writeAtomically(folder_ / "a", "another file"));
+    ASSERT_TRUE(files_->writeAtomically(folder_ / "b", "another file"));
+    ASSERT_TRUE(files_->replaceItem(folder_ / "b", folder_ / "a"));
     EXPECT_FALSE(handle().isInPlace());
 }
 

@@ -75,5 +75,28 @@ INSTANTIATE_TEST_SUITE_P(Servers, Kill, ::testing::Bool(), [](const auto& parame
     return parameter.param ? "WithAServerThatMisbehaves" : "WithAServerThatAccepts";
 });
 
+TEST(Processes, OfOneApplicationAtOnceLoseNothingOfEachOther) {
+    TemporaryFolder folder;
+    const Device device(folder.path());
+    CollectorProcess collector;
+    std::set<std::string> acknowledged;
+    for (int round = 0; round < 4; ++round) {
+        const auto run = "run" + std::to_string(round);
+        HostProcess first(device, collector.url(), "Shop", run + "first");
+        first.tell("burst 2 400");
+        HostProcess second(device, collector.url(), "Shop", run + "second"); // starts in the middle of the first's work
+        second.tell("burst 2 400");
+        for (auto* host : {&first, &second}) {
+            host->awaitAcknowledgements(800);
+            host->kill();
+            acknowledged.insert(host->acknowledged().begin(), host->acknowledged().end());
+        }
+        const auto stored = device.storedEvents();
+        const auto arrived = occurrences(collector);
+        for (const auto& id : acknowledged)
+            ASSERT_TRUE(stored.contains(id) || arrived.contains(id)) << id << " is lost in round " << round;
+    }
+}
+
 } // namespace
 } // namespace tallyfoot::testing

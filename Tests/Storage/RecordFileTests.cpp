@@ -134,6 +134,7 @@ private:
             return next_->read(offset, buffer);
         }
         Result<void> truncate(std::uint64_t) override { return Error{"stuck"}; }
+        bool lock() override { return next_->lock(); }
 
     private:
         std::unique_ptr<FileHandle> next_;

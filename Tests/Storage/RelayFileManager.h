@@ -38,6 +38,7 @@ public:
     Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) override {
         return next_.fileHandleForWriting(path);
     }
+    std::shared_ptr<ProcessLock> lock(const std::string& path) override { return next_.lock(path); }
 
 private:
     FileManager& next_;

@@ -27,6 +27,9 @@ public:
     virtual Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const = 0;
 
     virtual Result<void> truncate(std::uint64_t size) = 0;
+
+    // Keeps other processes from a lock on the file until the handle goes. False while another one has it.
+    virtual bool lock() = 0;
 };
 
 } // namespace tallyfoot

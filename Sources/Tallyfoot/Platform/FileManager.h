@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Platform/Clock.h"
 #include "Tallyfoot/Platform/FileHandle.h"
+#include "Tallyfoot/Platform/ProcessLock.h"
 #include "Tallyfoot/Platform/Result.h"
 
 #include <cstdint>
@@ -42,10 +43,14 @@ public:
     virtual Result<void> removeItem(const std::string& path) = 0; // a folder goes with everything in it
 
     virtual Result<std::string> contents(const std::string& path) const = 0;
-    // Written beside under a hidden name, then renamed: readers see the old file or the whole new one.
+    // Written beside under a hidden name, then renamed: readers see nothing or the whole file. Replaces nothing.
     virtual Result<void> writeAtomically(const std::string& path, std::string_view bytes) = 0;
     // Opens an existing file for appending; it is not created.
     virtual Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) = 0;
+
+    // This process's lock on what the file stands for, which is made if need be. Null while another process
+    // has it. Where there can be no locks everybody gets one.
+    virtual std::shared_ptr<ProcessLock> lock(const std::string& path) = 0;
 };
 
 } // namespace tallyfoot

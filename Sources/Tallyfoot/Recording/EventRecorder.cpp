@@ -159,6 +159,8 @@ void EventRecorder::submitUpload(std::shared_ptr<FileHandler> fileHandler) {
 }
 
 void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
+    const auto lock = fileHandler->lockClosedFiles();
+    if (!lock) return; // another process is at it; the next upload, its or ours, has what is closed now
     const auto turn = [this](FunctionRef<void()> block) { inTurn(block); };
     fileHandler->zip(turn);
 
@@ -181,7 +183,7 @@ void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
     for (const auto& archive : archives)
         uploadManager_->upload(
             archive, parameters,
-            [weakSelf = weak_from_this(), fileHandler, archive](const UploadManager::Outcome& outcome) {
+            [weakSelf = weak_from_this(), fileHandler, archive, lock](const UploadManager::Outcome& outcome) {
                 if (const auto self = weakSelf.lock()) self->completeUpload(*fileHandler, archive, outcome);
             });
 }

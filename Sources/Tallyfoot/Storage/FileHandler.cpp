@@ -23,8 +23,10 @@ FileHandler::FileHandler(Collaborators collaborators, std::shared_ptr<const Uplo
                                                                    configuration_->storageSize().inBytes()},
       names_(collaborators_.fileManager, collaborators_.clock, *appFolder_) {
     appFolder_->createFolders();
-    WorkFiles::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup));
-    restoreArchives(isInFlight);
+    if (const auto lock = lockClosedFiles()) {
+        WorkFiles::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup));
+        restoreArchives(isInFlight);
+    }
     trim();
     if (isCurrentApplication) {
         chooseCurrentFile();
@@ -44,8 +46,10 @@ void FileHandler::restoreArchives(const std::function<bool(std::string_view)>& i
 
 void FileHandler::chooseCurrentFile() {
     const auto items = appFolder_->items(Folder::events);
-    const auto newest = std::find_if(items.begin(), items.end(), [](const AppFolder::Item& item) {
-        return item.name.ends_with(".log") && (!item.attributes || item.attributes->isRegular);
+    const auto newest = std::find_if(items.begin(), items.end(), [this](const AppFolder::Item& item) {
+        if (!item.name.ends_with(".log") || (item.attributes && !item.attributes->isRegular)) return false;
+        RecordFile file(collaborators_.fileManager);
+        return mayBeMoved(file, appFolder_->path(Folder::events, item.name));
     });
     currentLogFileName_ = newest == items.end() ? names_.next(".log") : newest->name;
     collaborators_.console.print({"Current log filename: ", *currentLogFileName_});
@@ -64,15 +68,15 @@ bool FileHandler::ensureCurrentFileExists() {
     auto& fileManager = collaborators_.fileManager;
     if (fileManager.fileExists(currentFilePath())) return true;
     // An archive that came back meanwhile may have brought a closed file of this name.
-    if (fileManager.fileExists(appFolder_->path(Folder::upload, *currentLogFileName_)))
-        currentLogFileName_ = names_.next(".log");
+    if (isClosed(*currentLogFileName_)) currentLogFileName_ = names_.next(".log");
     const auto path = currentFilePath();
     trim();
     auto created = fileManager.writeAtomically(path, {});
-    if (!created && !fileManager.directoryExists(appFolder_->path(Folder::events))) {
-        appFolder_->createFolders(); // somebody took them away
+    if (!created && !fileManager.fileExists(path)) {
+        appFolder_->createFolders(); // somebody took them away, or has just closed a file of this name
         created = fileManager.writeAtomically(path, {});
     }
+    if (!created && fileManager.fileExists(path)) return true; // another process has just made it
     print(created ? "File created at path: " : "Filed to create log file at: ", path);
     return static_cast<bool>(created);
 }
@@ -84,15 +88,46 @@ void FileHandler::write(std::string_view record) {
     if (const auto trigger = triggerUpload_) trigger(); // a copy: it may set another one
 }
 
+bool FileHandler::isClosed(const std::string& name) const {
+    return collaborators_.fileManager.fileExists(appFolder_->path(Folder::upload, name));
+}
+
 bool FileHandler::openCurrentFile() {
-    if (!ensureCurrentFileExists()) return false; // which said so
-    const auto opened = recordFile_.open(currentFilePath());
-    if (!opened) {
-        report(opened.error());
-        return false;
+    constexpr int attempts = 8;
+    for (int count = 0; count < attempts; ++count) {
+        if (!ensureCurrentFileExists()) return false; // which said so
+        const auto opened = recordFile_.open(currentFilePath());
+        if (!opened) {
+            if (!collaborators_.fileManager.fileExists(currentFilePath())) continue; // another process's, and closed
+            report(opened.error());
+            return false;
+        }
+        if (opened.value() == RecordFile::Opened::anothers) {
+            currentLogFileName_ = names_.next(".log");
+            continue;
+        }
+        // Before we had it, another process may have moved it, or closed one of the same name, which ours is not
+        // to replace. Besides, the first question takes longer and allocates; no later record is to pay for it.
+        // Where a file never looks the same twice, the last look has to do.
+        const bool isInPlace = recordFile_.isInPlace() || count + 1 == attempts;
+        const bool hasNamesake = isInPlace && recordFile_.size() == 0 && isClosed(*currentLogFileName_);
+        if (isInPlace && !hasNamesake) return true;
+        if (hasNamesake) {
+            (void)collaborators_.fileManager.removeItem(currentFilePath());
+            currentLogFileName_ = names_.next(".log");
+        }
+        recordFile_.close();
     }
-    (void)recordFile_.isInPlace(); // the first question takes longer and allocates; no later record is to pay for it
-    return true;
+    report({"the log file keeps changing"});
+    return false;
+}
+
+// Opens the file for the sake of the repair, if this run has not written to it. Who moves a file closes it
+// afterwards, so that no other process begins to write to it in between.
+bool FileHandler::mayBeMoved(RecordFile& file, const std::string& path) {
+    if (file.isOpen()) return true;
+    const auto opened = file.open(path);
+    return !opened || opened.value() == RecordFile::Opened::ours;
 }
 
 float FileHandler::append(std::string_view record) {
@@ -109,10 +144,9 @@ float FileHandler::append(std::string_view record) {
 void FileHandler::close() {
     appFolder_->createFolders(); // somebody may have taken one away
     if (currentLogFileName_) {
-        // Opened for the sake of the repair, if this run has not written to it.
-        if (!recordFile_.isOpen()) (void)recordFile_.open(currentFilePath());
+        if (mayBeMoved(recordFile_, currentFilePath()))
+            appFolder_->move(*currentLogFileName_, Folder::events, Folder::upload);
         recordFile_.close();
-        appFolder_->move(*currentLogFileName_, Folder::events, Folder::upload);
     }
     moveLeftovers();
     currentLogFileName_ = names_.next(".log");
@@ -124,8 +158,7 @@ void FileHandler::moveLeftovers() {
         if (!AppFolder::isNonEmptyLog(item) || item.name == currentLogFileName_) continue;
         const auto path = appFolder_->path(Folder::events, item.name);
         RecordFile leftover(fileManager);
-        (void)leftover.open(path);
-        leftover.close();
+        if (!mayBeMoved(leftover, path)) continue;
         auto destination = appFolder_->path(Folder::upload, item.name);
         if (fileManager.fileExists(destination)) // nothing of it is to be replaced
             destination = appFolder_->path(Folder::upload, names_.next(".log"));
@@ -163,6 +196,10 @@ void FileHandler::deleteAllLogs() {
         if (!names) continue;
         for (const auto& name : names.value()) (void)appFolder_->remove(appFolder_->path(folder, name));
     }
+}
+
+std::shared_ptr<ProcessLock> FileHandler::lockClosedFiles() {
+    return collaborators_.fileManager.lock(appFolder_->path() + "/.lock");
 }
 
 void FileHandler::zip(Turn turn) {

@@ -25,7 +25,7 @@ namespace tallyfoot {
 //                                                ^───────── restore ──────────┘
 //
 // Every call holds the recorder's turn, except where it says that it takes the turn itself. No
-// failure leaves; each is one console line.
+// failure leaves; each is one console line. Every process writes to a file of its own.
 class FileHandler {
 public:
     using Turn = tallyfoot::Turn;
@@ -39,8 +39,9 @@ public:
 
     // Creates the folders, restores archives left behind, trims the storage and, for the current
     // application, chooses and creates the current log file: the newest one in Events, else a new
-    // one. For another application, log files that a killed run left in Events move to Upload. An
-    // archive that `isInFlight` names is on its way to the server and stays: its answer decides.
+    // one; a file that another process writes to is not ours to choose. For another application, log files that a
+    // killed run left in Events move to Upload. An archive that `isInFlight` names is on its way to the server and
+    // stays: its answer decides.
     FileHandler(Collaborators collaborators, std::shared_ptr<const UploadConfiguration> configuration,
                 std::shared_ptr<AppFolder> appFolder, bool isCurrentApplication,
                 const std::function<bool(std::string_view archiveName)>& isInFlight = {});
@@ -52,11 +53,15 @@ public:
     // A record that cannot be written is lost, and that is one console line. Two system calls and
     // no allocation while the file is open.
     void write(std::string_view record);
-    // The current file moves to Upload, and with it whatever an earlier failure left in Events; a new
+    // The current file moves to Upload, and with it whatever an earlier failure or run left in Events; a new
     // name is chosen, its file made by the next write.
     void close();
     void trim(); // deletes the oldest closed files down to half the budget once it is reached
     void deleteAllLogs();
+
+    // Of several processes with this application one at a time restores, packs and sends what is closed:
+    // whoever does holds this, until the server has answered. Null while another process does. Any thread.
+    std::shared_ptr<ProcessLock> lockClosedFiles();
 
     // Packs the closed files into one archive (`LogPacker`). Takes the turn itself, in short pieces:
     // the packing between them reads closed files only. Not for two threads at once.
@@ -77,6 +82,8 @@ private:
     void chooseCurrentFile();
     bool ensureCurrentFileExists(); // says so if it could not be made
     bool openCurrentFile();
+    bool isClosed(const std::string& name) const; // a file of this name
+    static bool mayBeMoved(RecordFile& file, const std::string& path);
     float append(std::string_view record); // the file's size afterwards
     void moveLeftovers();
     void report(const Error& error) const;

@@ -40,22 +40,23 @@ Result<std::uint64_t> cutOffFragment(FileHandle& handle) {
 
 } // namespace
 
-Result<void> RecordFile::open(const std::string& path) {
+Result<RecordFile::Opened> RecordFile::open(const std::string& path) {
     auto handle = fileManager_.fileHandleForWriting(path);
     if (!handle) return handle.error();
+    if (!handle.value()->lock()) return Opened::anothers;
     handle_ = std::move(handle.value());
     if (const auto size = cutOffFragment(*handle_)) {
         size_ = size.value();
-        return {};
+        return Opened::ours;
     }
     // What cannot be cut off is at least kept apart.
     if (auto keptApart = handle_->append(recordSeparator); !keptApart) {
         close();
-        return keptApart;
+        return keptApart.error();
     }
     const auto size = handle_->size();
     size_ = size ? size.value() : 0;
-    return {};
+    return Opened::ours;
 }
 
 Result<void> RecordFile::append(std::string_view record) {

@@ -18,9 +18,12 @@ public:
 
     bool isOpen() const noexcept { return handle_ != nullptr; }
 
-    // Opens a file that exists. The fragment that a killed run left at its end is cut off at the
-    // last separator, so that it never fuses with the next record.
-    Result<void> open(const std::string& path);
+    enum class Opened { ours, anothers };
+
+    // Opens a file that exists, and keeps other processes from writing to it. One that another process writes
+    // to stays closed. The fragment that a killed run left at its end is cut off at the last separator, so
+    // that it never fuses with the next record.
+    Result<Opened> open(const std::string& path);
 
     bool isInPlace() { return handle_->isInPlace(); } // false once it was moved or removed under us
     std::uint64_t size() const noexcept { return size_; }

@@ -1,5 +1,6 @@
 #include "Tallyfoot/Platform/Posix/PosixFileHandle.h"
 
+#include "Tallyfoot/Platform/Posix/PosixProcessLock.h"
 #include "Tallyfoot/Platform/Posix/SystemError.h"
 #include "Tallyfoot/Platform/Posix/WriteSignals.h"
 
@@ -124,5 +125,7 @@ Result<void> PosixFileHandle::truncate(std::uint64_t size) {
         return systemError("truncate", path_, errno);
     return {};
 }
+
+bool PosixFileHandle::lock() { return PosixProcessLock::lock(descriptor_); }
 
 } // namespace tallyfoot

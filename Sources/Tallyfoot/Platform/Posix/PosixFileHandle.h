@@ -20,6 +20,7 @@ public:
     bool isInPlace() override;
     Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const override;
     Result<void> truncate(std::uint64_t size) override;
+    bool lock() override;
 
 private:
     enum class Place { here, elsewhere, unknown };

@@ -3,6 +3,7 @@
 #include "Tallyfoot/Platform/Posix/FileDescriptor.h"
 #include "Tallyfoot/Platform/Posix/HomeFolder.h"
 #include "Tallyfoot/Platform/Posix/PosixFileHandle.h"
+#include "Tallyfoot/Platform/Posix/PosixProcessLock.h"
 #include "Tallyfoot/Platform/Posix/SystemError.h"
 #include "Tallyfoot/Platform/Posix/WriteSignals.h"
 
@@ -121,7 +122,7 @@ Result<std::vector<FolderEntry>> entriesOf(const std::string& path, int flags = 
 }
 
 // For file systems that know no rename without replacement.
-int moveWithoutReplacing(const char* source, const char* destination) {
+int moveInSteps(const char* source, const char* destination) {
     if (::link(source, destination) == 0) return ::unlink(source); // a file: still in one step
     if (errno == EEXIST) return -1;
 
@@ -132,6 +133,13 @@ int moveWithoutReplacing(const char* source, const char* destination) {
         return -1;
     }
     return ::rename(source, destination);
+}
+
+// Replaces nothing.
+int moveWithoutReplacing(const char* source, const char* destination) {
+    const int result = ::renameat2(AT_FDCWD, source, AT_FDCWD, destination, RENAME_NOREPLACE);
+    if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;
+    return moveInSteps(source, destination);
 }
 
 bool writeAll(int file, std::string_view bytes) {
@@ -280,10 +288,7 @@ Result<void> PosixFileManager::createDirectory(const std::string& path) {
 
 Result<void> PosixFileManager::moveItem(const std::string& source, const std::string& destination) {
     if (!isPath(source) || !isPath(destination)) return systemError("move", source, EINVAL);
-    int result = ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE);
-    if (result != 0 && (errno == EINVAL || errno == ENOSYS))
-        result = moveWithoutReplacing(source.c_str(), destination.c_str());
-    if (result != 0) return systemError("move", source, errno);
+    if (moveWithoutReplacing(source.c_str(), destination.c_str()) != 0) return systemError("move", source, errno);
     return {};
 }
 
@@ -338,7 +343,7 @@ Result<void> PosixFileManager::writeAtomically(const std::string& path, std::str
     if (!file) return systemError("create", path, errno);
 
     // Rename last: whoever dies before it leaves a hidden file that nobody reads.
-    if (writeAll(file.number(), bytes) && ::rename(temporary.c_str(), path.c_str()) == 0) return {};
+    if (writeAll(file.number(), bytes) && moveWithoutReplacing(temporary.c_str(), path.c_str()) == 0) return {};
     const int failure = errno;
     (void)::unlink(temporary.c_str());
     return systemError("write", path, failure);
@@ -349,5 +354,7 @@ Result<std::unique_ptr<FileHandle>> PosixFileManager::fileHandleForWriting(const
     if (!file) return systemError("open", path, errno);
     return std::unique_ptr<FileHandle>(std::make_unique<PosixFileHandle>(std::move(file), path));
 }
+
+std::shared_ptr<ProcessLock> PosixFileManager::lock(const std::string& path) { return PosixProcessLock::take(path); }
 
 } // namespace tallyfoot

@@ -32,6 +32,7 @@ public:
     Result<std::string> contents(const std::string& path) const override;
     Result<void> writeAtomically(const std::string& path, std::string_view bytes) override;
     Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) override;
+    std::shared_ptr<ProcessLock> lock(const std::string& path) override;
 
 private:
     mutable std::once_flag supportIsFound_;

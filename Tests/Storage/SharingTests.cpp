@@ -1,0 +1,140 @@
+#include "StorageFixture.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <functional>
+
+namespace tallyfoot::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr auto ownName = "07-03-2024T14-05-09-123.log";
+
+// Another process that has done something and goes on living.
+class Neighbour {
+public:
+    explicit Neighbour(const std::function<void()>& work) {
+        int ends[2];
+        EXPECT_EQ(::pipe(ends), 0);
+        child_ = ::fork();
+        if (child_ == 0) {
+            work();
+            (void)!::write(ends[1], "", 1);
+            for (;;) ::pause();
+        }
+        ::close(ends[1]);
+        char done = 0;
+        EXPECT_EQ(::read(ends[0], &done, 1), 1);
+        ::close(ends[0]);
+    }
+
+    ~Neighbour() { kill(); }
+
+    Neighbour(const Neighbour&) = delete;
+    Neighbour& operator=(const Neighbour&) = delete;
+
+    void kill() {
+        if (child_ > 0) {
+            ::kill(child_, SIGKILL);
+            EXPECT_EQ(::waitpid(child_, nullptr, 0), child_);
+        }
+        child_ = 0;
+    }
+
+private:
+    pid_t child_ = 0;
+};
+
+class SharingTest : public StorageFixture {
+protected:
+    // As the one process has it, and as long as that lives.
+    std::function<void()> writing(const std::string& record) {
+        return [this, record] {
+            kept_ = makeFileHandler();
+            kept_->write(record);
+        };
+    }
+
+    std::unique_ptr<FileHandler> kept_;
+};
+
+TEST_F(SharingTest, AFileThatAnotherProcessWritesToIsNeitherChosenNorClosed) {
+    const Neighbour neighbour(writing("theirsjsonsplit"));
+    const auto handler = makeFileHandler();
+    EXPECT_NE(handler->currentLogFileName(), ownName);
+    handler->write("oursjsonsplit");
+    const auto name = *handler->currentLogFileName();
+    handler->close();
+    EXPECT_EQ(bytes(Folder::events, ownName), "theirsjsonsplit");
+    EXPECT_THAT(names(Folder::upload), ElementsAre(name));
+    EXPECT_EQ(bytes(Folder::upload, name), "oursjsonsplit");
+}
+
+TEST_F(SharingTest, AFileThatAnotherProcessTookAfterItWasChosenIsLeftToIt) {
+    const auto handler = makeFileHandler();
+    EXPECT_EQ(handler->currentLogFileName(), ownName);
+    const Neighbour neighbour(writing("theirsjsonsplit"));
+    handler->write("oursjsonsplit");
+    EXPECT_NE(handler->currentLogFileName(), ownName);
+    EXPECT_EQ(bytes(Folder::events, ownName), "theirsjsonsplit");
+    EXPECT_EQ(bytes(Folder::events, *handler->currentLogFileName()), "oursjsonsplit");
+}
+
+TEST_F(SharingTest, AFileThatAnotherProcessTookAndThatWasNeverWrittenToHereIsNotMoved) {
+    const auto handler = makeFileHandler();
+    const Neighbour neighbour(writing("theirsjsonsplit"));
+    handler->close();
+    EXPECT_THAT(names(Folder::events), ElementsAre(ownName));
+    EXPECT_THAT(names(Folder::upload), IsEmpty());
+}
+
+TEST_F(SharingTest, WhatADeadProcessWroteIsClosedByTheNextOne) {
+    Neighbour neighbour(writing("theirsjsonsplit"));
+    const auto handler = makeFileHandler();
+    neighbour.kill();
+    handler->close();
+    EXPECT_EQ(bytes(Folder::upload, ownName), "theirsjsonsplit");
+}
+
+TEST_F(SharingTest, OneProcessAtATimeHasTheClosedFiles) {
+    const auto handler = makeFileHandler();
+    std::shared_ptr<ProcessLock> theirs;
+    Neighbour neighbour([&] { theirs = handler->lockClosedFiles(); });
+    EXPECT_EQ(handler->lockClosedFiles(), nullptr);
+    neighbour.kill();
+    EXPECT_NE(handler->lockClosedFiles(), nullptr);
+}
+
+TEST_F(SharingTest, StartRestoresNothingThatAnotherProcessSends) {
+    put(Folder::backup, "1.zip", "an archive under way");
+    put(Folder::backup, ".work-1.archive.zip", "one being packed");
+    std::shared_ptr<ProcessLock> theirs;
+    const Neighbour neighbour([&] { theirs = fileManager.lock(makeAppFolder()->path() + "/.lock"); });
+    (void)makeFileHandler();
+    EXPECT_THAT(names(Folder::backup), ElementsAre(".work-1.archive.zip", "1.zip"));
+}
+
+TEST_F(SharingTest, TheClosedFilesAreHadUntilTheLastHolderLetsGo) {
+    const auto handler = makeFileHandler();
+    auto first = handler->lockClosedFiles();
+    auto second = handler->lockClosedFiles();
+    first.reset();
+    const auto isRefused = [&] {
+        const auto child = ::fork();
+        if (child == 0)
+            ::_exit(PosixFileManager().fileHandleForWriting(makeAppFolder()->path() + "/.lock").value()->lock());
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        return status == 0;
+    };
+    EXPECT_TRUE(isRefused());
+    second.reset();
+    EXPECT_FALSE(isRefused());
+}
+
+} // namespace
+} // namespace tallyfoot::testing
