@@ -13,6 +13,8 @@
 #include <malloc.h>
 #include <netinet/in.h>
 #include <pthread.h>
+#include <sched.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -185,6 +187,45 @@ TEST_P(StackOverflowOn, IsTold) {
 
 INSTANTIATE_TEST_SUITE_P(Threads, StackOverflowOn, ::testing::ValuesIn(places()),
                          [](const auto& parameter) { return parameter.param.name; });
+
+// --- Stacks for the hooks ------------------------------------------------------------------------
+
+#if !TALLYFOOT_SANITIZED // a sanitizer gives its threads such stacks, too, and needs room
+// Of the size, and whether the library let it be.
+bool isKept(std::size_t size) {
+    static std::vector<char> room(size);
+    stack_t own{};
+    own.ss_sp = room.data();
+    own.ss_size = size;
+    ::sigaltstack(&own, nullptr);
+    Tallyfoot::log("a", {});
+    stack_t current{};
+    ::sigaltstack(nullptr, &current);
+    return current.ss_sp == own.ss_sp;
+}
+
+TEST_F(CrashTest, AnAlternateStackOfTheHostsOwnIsKeptAndUsed) {
+    ASSERT_TRUE(crashes(
+        SIGSEGV, [] { std::thread([] { isKept(std::size_t{64} << 10U) ? useUpTheStack() : ::_exit(1); }).join(); }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+TEST_F(CrashTest, AnAlternateStackThatIsTooSmallIsReplaced) {
+    ASSERT_TRUE(crashes(
+        SIGSEGV, [] { std::thread([] { isKept(std::size_t{8} << 10U) ? ::_exit(1) : useUpTheStack(); }).join(); }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+TEST_F(CrashTest, AlternateStacksGoWithTheirThreads) {
+    ASSERT_TRUE(crashes(SIGSEGV, [] {
+        const rlimit room{std::size_t{1} << 30U, std::size_t{1} << 30U};
+        ::setrlimit(RLIMIT_AS, &room);
+        for (int thread = 0; thread < 5000; ++thread) std::thread([] { Tallyfoot::log("a", {}); }).join();
+        onWorker(useUpTheStack);
+    }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+#endif
 
 // --- What is told -------------------------------------------------------------------------------
 
@@ -465,13 +506,18 @@ TEST_F(CrashTest, HandlersOfTheHostAfterConfigureCountUntilTheNextOne) {
     EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
 }
 
-void (*ofTheLibrary)(int) = nullptr;
+void (*ofTheLibrary)(int, siginfo_t*, void*) = nullptr;
+void* nowhere = nullptr;
 
 TEST_F(CrashTest, AHandlerOfTheHostThatPassesOnTheNumberAloneIsNoHindrance) {
     ASSERT_TRUE(crashes(SIGSEGV, [] {
-        ofTheLibrary = ::signal(SIGSEGV, [](int number) {
+        struct sigaction former {};
+        ::sigaction(SIGSEGV, nullptr, &former);
+        ofTheLibrary = former.sa_sigaction;
+        nowhere = ::mmap(nullptr, 65536, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        ::signal(SIGSEGV, [](int number) {
             (void)!::write(STDERR_FILENO, "handler\n", 8);
-            ofTheLibrary(number);
+            ofTheLibrary(number, nullptr, nowhere); // what happens to be in the registers for it
         });
         std::atexit([] { (void)!::write(STDERR_FILENO, "exit handler\n", 13); });
         writeToForbiddenMemory();
@@ -712,6 +758,7 @@ TEST_F(CrashTest, WithoutAnyFileDescriptorLeft) {
 }
 
 TEST_F(CrashTest, WithThreadsThatTakeEveryFileDescriptorThatComesFree) {
+    if (::unshare(CLONE_FILES) != 0) GTEST_SKIP() << "no thread may have descriptors of its own here";
     for (int round = 0; round < 20; ++round) {
         ASSERT_TRUE(crashes(SIGSEGV, [] {
             const rlimit files{64, 64};
