@@ -5,6 +5,7 @@
 #import "TallyfootObjC/TallyfootObjC.h"
 #import "TallyfootObjC/TallyfootUIKit.h"
 #import "UIKitPrivate.h"
+#import "UISwipeActionPullView.h"
 
 #include "Tallyfoot/Tallyfoot.h"
 
@@ -88,6 +89,7 @@ struct Things {
     UIButton* quietButton = make<UIButton>();
     UISwitch* ignored = make<UISwitch>();
     UITextField* untracked = make<UITextField>();
+    UISwipeActionStandardButton* swipeButton = make<UISwipeActionStandardButton>();
     UISlider* slider = make<UISlider>();
     UnwatchedSlider* unwatched = make<UnwatchedSlider>();
     UIView* view = make<UIView>();
@@ -102,6 +104,7 @@ struct Things {
         [button setTitle:@"Add to basket" forState:UIControlStateNormal];
         [quietButton setTitle:@"Add to basket" forState:UIControlStateNormal];
         [quietButton setLogEnabled:NO];
+        [swipeButton setTitle:@"Delete" forState:UIControlStateNormal];
         [page setTitle:@"Basket"];
         [view addGestureRecognizer:tap];
         [view addGestureRecognizer:pan];
@@ -191,6 +194,8 @@ void addNotRecorded() {
         "ignoredSwitch", [] { send(things().ignored); }, [] { sendUnwatched(things().ignored); });
     notRecorded(
         "untrackedTextField", [] { send(things().untracked); }, [] { sendUnwatched(things().untracked); });
+    notRecorded(
+        "swipeButtonUntouched", [] { send(things().swipeButton); }, [] { sendUnwatched(things().swipeButton); });
     UITouch* const touch = touchOn(things().slider);
     UITouch* const other = touchOn(things().unwatched);
     notRecorded(

@@ -1,9 +1,10 @@
 // The symbols of methods are local to their files here, and so in no call stack's texts. But the runtime
 // knows where each method's code begins, and the unwinder where the code around a frame does. That is
-// also much faster than making texts, which matters while a finger drags.
+// also much faster than making texts, which matters while a finger drags; and a stack is unwound once.
 
 #include "TallyfootObjC/Binding/CallStack.h"
 
+#include "TallyfootObjC/GNUstep/KnownStacks.h"
 #include "TallyfootObjC/Support/Text.h"
 
 #include <dlfcn.h>
@@ -16,13 +17,12 @@
 #include <cstdlib>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace tallyfoot::objc {
 
 namespace {
-
-using Code = std::uintptr_t;
 
 // Where the class's methods begin whose selectors begin so.
 std::vector<Code> beginnings(const std::string& className, std::string_view selectorPrefix) {
@@ -67,24 +67,47 @@ private:
     std::unordered_map<Code, bool> isKnown_;
 };
 
-Symbols& symbolsWith(std::string_view marker) {
-    thread_local std::vector<Symbols> all; // one for each marker, of which there are two
-    const auto place = std::find_if(all.begin(), all.end(), [&](const auto& one) { return one.marker() == marker; });
-    return place == all.end() ? all.emplace_back(marker) : *place;
+struct Known {
+    Symbols symbols;
+    KnownStacks stacks;
+};
+
+Known& knownOf(std::string_view marker) {
+    thread_local std::vector<Known> all; // one for each marker, of which there are two
+    const auto place =
+        std::find_if(all.begin(), all.end(), [&](const auto& one) { return one.symbols.marker() == marker; });
+    return place == all.end() ? all.emplace_back(Known{Symbols(marker), {}}) : *place;
 }
 
 struct Search {
     const std::vector<Code>& beginnings;
     Symbols& symbols;
+    const Code* innermost;
+    std::vector<Return> returns = {};
     bool isFound = false;
 };
 
+// A call pushes the address that it returns to just below where its caller's frame ends. The outermost returns nowhere.
 _Unwind_Reason_Code look(_Unwind_Context* frame, void* argument) {
     auto& search = *static_cast<Search*>(argument);
+    const auto* const place = reinterpret_cast<const Code*>(_Unwind_GetCFA(frame)) - 1;
+    const auto address = static_cast<Code>(_Unwind_GetIP(frame));
+    if (place >= search.innermost && address != 0) search.returns.push_back({place, address});
     const auto begins = static_cast<Code>(_Unwind_GetRegionStart(frame));
     search.isFound = std::find(search.beginnings.begin(), search.beginnings.end(), begins) != search.beginnings.end()
                      || search.symbols.contain(begins);
     return search.isFound ? _URC_NORMAL_STOP : _URC_NO_REASON;
+}
+
+// Never inlined: where it returns to is the innermost place of all.
+[[gnu::noinline]] bool isAmongFrames(std::string_view className, std::string_view selectorPrefix, Known& known) {
+    const auto* const innermost = static_cast<const Code*>(__builtin_dwarf_cfa()) - 1;
+    if (const auto answer = known.stacks.answer(innermost)) return *answer;
+    const auto expected = beginnings(std::string(className), selectorPrefix);
+    Search search{expected, known.symbols, innermost};
+    _Unwind_Backtrace(look, &search);
+    known.stacks.remember(innermost, std::move(search.returns), search.isFound);
+    return search.isFound;
 }
 
 const void* imageOf(const void* address) {
@@ -114,11 +137,9 @@ bool isAmongSymbols(std::string_view marker) {
 
 bool callStackContains(std::string_view marker) {
     const auto space = marker.find(' ');
-    if (space == std::string_view::npos) return isAmongSymbols(marker);
-    const auto expected = beginnings(std::string(marker.substr(0, space)), marker.substr(space + 1));
-    Search search{expected, symbolsWith(marker)};
-    _Unwind_Backtrace(look, &search);
-    return search.isFound || isAmongSymbols(marker);
+    const bool isMethod = space != std::string_view::npos;
+    return (isMethod && isAmongFrames(marker.substr(0, space), marker.substr(space + 1), knownOf(marker)))
+           || isAmongSymbols(marker);
 }
 
 } // namespace tallyfoot::objc
