@@ -40,6 +40,7 @@ public:
     }
     const char* sel_getName(SelectorRef one) override { return static_cast<std::string*>(one.pointer)->c_str(); }
     MethodRef class_getInstanceMethod(ClassRef, SelectorRef) override { return {}; }
+    bool class_respondsToSelector(ClassRef, SelectorRef) override { return false; }
     bool class_addMethod(ClassRef, SelectorRef, ImplementationRef, const char*) override { return false; }
     ImplementationRef class_replaceMethod(ClassRef, SelectorRef, ImplementationRef, const char*) override { return {}; }
     ImplementationRef method_getImplementation(MethodRef) override { return {}; }

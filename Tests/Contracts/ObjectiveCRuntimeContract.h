@@ -66,6 +66,7 @@ TEST_P(ObjectiveCRuntimeContract, ASelectorIsTheSameEachTime) {
 TEST_P(ObjectiveCRuntimeContract, NilGivesNothing) {
     EXPECT_FALSE(runtime().class_getSuperclass({}));
     EXPECT_FALSE(runtime().class_getInstanceMethod({}, selector("contractNumber")));
+    EXPECT_FALSE(runtime().class_respondsToSelector({}, selector("contractNumber")));
     EXPECT_FALSE(runtime().class_addMethod({}, selector("contractNumber"), number(1), types));
     EXPECT_FALSE(runtime().method_getImplementation({}));
     EXPECT_FALSE(runtime().object_getClass({}));
@@ -80,6 +81,7 @@ TEST_P(ObjectiveCRuntimeContract, NilGivesNothing) {
 
 TEST_P(ObjectiveCRuntimeContract, AnAddedMethodIsFoundWithItsTypes) {
     EXPECT_FALSE(runtime().class_getInstanceMethod(base_, selector("contractNumber")));
+    EXPECT_FALSE(runtime().class_respondsToSelector(base_, selector("contractNumber")));
     EXPECT_TRUE(runtime().class_addMethod(base_, selector("contractNumber"), number(1), types));
     const auto method = runtime().class_getInstanceMethod(base_, selector("contractNumber"));
     ASSERT_TRUE(method);
@@ -90,6 +92,7 @@ TEST_P(ObjectiveCRuntimeContract, AnAddedMethodIsFoundWithItsTypes) {
 
 TEST_P(ObjectiveCRuntimeContract, AnInheritedMethodIsTheSuperclassesOwn) {
     runtime().class_addMethod(base_, selector("contractNumber"), number(1), types);
+    EXPECT_TRUE(runtime().class_respondsToSelector(derived_, selector("contractNumber")));
     EXPECT_EQ(runtime().class_getInstanceMethod(derived_, selector("contractNumber")),
               runtime().class_getInstanceMethod(base_, selector("contractNumber")));
     EXPECT_EQ(send(host_->makeObject(derived_), "contractNumber"), 1);

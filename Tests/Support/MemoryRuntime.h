@@ -69,6 +69,9 @@ public:
     SelectorRef sel_registerName(const char* name) override;
     const char* sel_getName(SelectorRef) override;
     MethodRef class_getInstanceMethod(ClassRef, SelectorRef) override;
+    bool class_respondsToSelector(ClassRef inClass, SelectorRef selector) override {
+        return static_cast<bool>(class_getInstanceMethod(inClass, selector));
+    }
     bool class_addMethod(ClassRef, SelectorRef, ImplementationRef, const char* types) override;
     ImplementationRef class_replaceMethod(ClassRef, SelectorRef, ImplementationRef, const char* types) override;
     ImplementationRef method_getImplementation(MethodRef) override;

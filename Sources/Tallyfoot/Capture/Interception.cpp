@@ -66,10 +66,12 @@ void Interception::intercept(SelectorRef original, ImplementationRef replacement
 }
 
 ClassRef Interception::definingClass(ClassRef first, SelectorRef selector) const {
+    // Asked first, for some runtimes look through each list of methods up to the root's to find that there is none.
+    if (!runtime_.class_respondsToSelector(first, selector)) return {};
     const auto method = runtime_.class_getInstanceMethod(first, selector);
-    if (!method) return {};
     auto owner = first;
     for (auto next = runtime_.class_getSuperclass(owner); next; next = runtime_.class_getSuperclass(owner)) {
+        if (!runtime_.class_respondsToSelector(next, selector)) break;
         if (runtime_.class_getInstanceMethod(next, selector) != method) break;
         owner = next;
     }

@@ -22,7 +22,7 @@ public:
     void addInterceptMethod(SelectorRef original, SelectorRef replacement, ClassRef forClass,
                             SelectorRef renameOriginal, const char* types) const;
 
-    // The class, this one or a superclass, that has the method; nil where none has.
+    // The class, this one or a superclass, that has the method; nil where none has. Of a live object's class.
     ClassRef definingClass(ClassRef first, SelectorRef selector) const;
 
 private:

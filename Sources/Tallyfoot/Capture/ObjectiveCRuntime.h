@@ -26,6 +26,8 @@ public:
 
     // Inherited ones included: then it is the superclass's own method.
     virtual MethodRef class_getInstanceMethod(ClassRef, SelectorRef) = 0;
+    // Whether there is one: quicker, but a class that was never messaged is initialised by the question.
+    virtual bool class_respondsToSelector(ClassRef, SelectorRef) = 0;
     // False, and nothing done, if the class itself has the method; an inherited one is overridden. Both
     // keep a copy of the types.
     virtual bool class_addMethod(ClassRef, SelectorRef, ImplementationRef, const char* types) = 0;

@@ -14,6 +14,7 @@ public:
     const char* sel_getName(SelectorRef) override;
 
     MethodRef class_getInstanceMethod(ClassRef, SelectorRef) override;
+    bool class_respondsToSelector(ClassRef, SelectorRef) override;
     bool class_addMethod(ClassRef, SelectorRef, ImplementationRef, const char* types) override;
     ImplementationRef class_replaceMethod(ClassRef, SelectorRef, ImplementationRef, const char* types) override;
     ImplementationRef method_getImplementation(MethodRef) override;

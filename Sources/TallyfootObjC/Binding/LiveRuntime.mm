@@ -26,6 +26,10 @@ MethodRef LiveRuntime::class_getInstanceMethod(ClassRef aClass, SelectorRef sele
     return aClass && selector ? reference(::class_getInstanceMethod(live(aClass), live(selector))) : MethodRef{};
 }
 
+bool LiveRuntime::class_respondsToSelector(ClassRef aClass, SelectorRef selector) {
+    return aClass && selector && ::class_respondsToSelector(live(aClass), live(selector));
+}
+
 bool LiveRuntime::class_addMethod(ClassRef aClass, SelectorRef selector, ImplementationRef implementation,
                                   const char* types) {
     return aClass && selector && implementation
