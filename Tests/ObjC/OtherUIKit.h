@@ -4,6 +4,7 @@
 
 #include <objc/runtime.h>
 
+#include <atomic>
 #include <string>
 
 namespace tallyfoot::testing {
@@ -25,7 +26,7 @@ protected:
 
     // The one application, which counts the actions that are delivered. To be made before start().
     static void makeApplication();
-    static int delivered;
+    static std::atomic<int> delivered;
     static bool act(id sender, const char* action = "act:");
 
     // A button that answers its title, to start with.

@@ -4,7 +4,7 @@
 
 namespace tallyfoot::testing {
 
-int ObjCOtherUIKit::delivered = 0;
+std::atomic<int> ObjCOtherUIKit::delivered = 0;
 
 Class ObjCOtherUIKit::make(const char* name, const char* superclass) {
     const Class made = objc_allocateClassPair(objc_lookUpClass(superclass), name, 0);

@@ -231,6 +231,30 @@ TEST_F(ObjCOtherUIKit, MayWorkOnAnotherThreadThanTheFirst) {
     EXPECT_EQ(records().size(), 400U);
 }
 
+TEST_F(ObjCOtherUIKit, MaySetOptionsAndDelegatesOnManyThreads) {
+    make("UIView");
+    make("UIScrollView", "UIView");
+    add("UIScrollView", "setDelegate:", "v@:@", [](id, SEL, id) {});
+    start();
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number)
+        threads.emplace_back([] {
+            for (int round = 0; round < 100; ++round) {
+                NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+                id view = object("UIScrollView");
+                id delegate = [[[NSObject alloc] init] autorelease];
+                [view performSelector:sel_registerName("setCustomName:") withObject:@"Named"];
+                [view performSelector:sel_registerName("setDelegate:") withObject:delegate];
+                [delegate performSelector:sel_registerName("scrollViewDidEndDecelerating:") withObject:view];
+                [pool drain];
+            }
+        });
+    for (auto& thread : threads) thread.join();
+    const auto all = records();
+    EXPECT_EQ(all.size(), 400U);
+    for (const auto& record : all) EXPECT_EQ(record["evtLabel"], "Named");
+}
+
 TEST_F(ObjCOtherUIKit, MayHaveTextsWithNULs) {
     makeApplication();
     makeButton([](id self, SEL selector) -> id { return withNUL(self, selector); });
