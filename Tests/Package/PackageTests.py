@@ -16,7 +16,7 @@ from pathlib import Path
 RECORDS_OF_THE_HOST = 8  # one for each log call in Examples/Host/main.cpp
 
 RECORDS_OF_THE_OBJECTIVE_C_HOST = 5
-HEADERS_FOR_BINDINGS = ["Capture/Capture.h", "Facade/CaptureConnection.h", "Platform/FatalError.h"]
+HEADERS_FOR_BINDINGS = ["Capture/Capture.h", "Facade/CaptureConnection.h", "Facade/CrashConnection.h", "Platform/FatalError.h"]
 
 
 class Failure(Exception):
