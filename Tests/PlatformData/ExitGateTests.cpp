@@ -56,7 +56,7 @@ std::atomic<bool> isReleased = false;
 
 void releaseSlowly(void*) {
     while (!isEnding) std::this_thread::yield();
-    for (int turn = 0; turn < 200; ++turn) std::this_thread::yield();
+    for (int turn = 0; turn < 50; ++turn) std::this_thread::yield();
     isReleased = true;
 }
 
