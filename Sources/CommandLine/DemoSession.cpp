@@ -57,13 +57,14 @@ int DemoSession::port(ChildProcess& collector) {
     return json::parse(*line).at("port").get<int>();
 }
 
-ChildProcess DemoSession::startHost(const std::string& application, const std::string& user) const {
+ChildProcess DemoSession::startHost(const std::string& application, const std::string& user,
+                                    std::int64_t loggedBefore) const {
     std::filesystem::create_directories(folder_ / "bundle");
     std::ofstream(folder_ / "bundle/Info.plist") << bundleInformation;
     const auto url = "http://127.0.0.1:" + std::to_string(client_.port()) + "/upload";
     std::vector<std::string> arguments{
-        tool_, "demo-host", "--threads", std::to_string(options_.threads), "--begun", std::to_string(loggedBefore_)};
-    if (isShop()) arguments = {options_.shop, "--seed", std::to_string(options_.seed + (crash_ ? 1 : 0))};
+        tool_, "demo-host", "--threads", std::to_string(options_.threads), "--begun", std::to_string(loggedBefore)};
+    if (isShop()) arguments = {options_.shop, "--seed", std::to_string(options_.seed + (loggedBefore > 0 ? 1 : 0))};
     arguments.insert(arguments.end(),
                      {"--url", url, "--events-count", std::to_string(options_.eventsCount), "--application",
                       application, "--user", user, "--output", (folder_ / hostOutput).string()});
@@ -152,7 +153,7 @@ void DemoSession::crashAndStartAgain() {
     loggedBefore_ = ++logged_;
     isHostBusy_ = true;
     isKindsTold_ = false;
-    host_ = startHost(isShop() ? firstApplication : secondApplication, secondUser);
+    host_ = startHost(isShop() ? firstApplication : secondApplication, secondUser, loggedBefore_);
     waitUntil("the crash is told", [this] { return !isHostBusy_ && disk_.open == leftAtCrash + 1; });
     if (DemoCrash::waiting(folder_ / "config")) throw std::runtime_error("the crash would be told again");
 }

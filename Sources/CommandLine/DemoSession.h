@@ -51,7 +51,9 @@ public:
 private:
     static ChildProcess startCollector(const std::string& tool, const std::filesystem::path& folder);
     static int port(ChildProcess& collector);
-    ChildProcess startHost(const std::string& application, const std::string& user) const;
+    // Called by the constructor, too: it reads nothing that is declared behind `client_`.
+    ChildProcess startHost(const std::string& application, const std::string& user,
+                           std::int64_t loggedBefore = 0) const;
     bool isShop() const { return !options_.shop.empty(); }
     std::string walk(std::int64_t count) const;
     DemoEvidence evidence();
