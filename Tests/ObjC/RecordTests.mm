@@ -1,6 +1,33 @@
 #include "ObjC/ObjCHost.h"
 #include "TallyfootObjC/Face/Records.h"
 
+#include <objc/runtime.h>
+
+// Passes for what it stands in front of, with an instance variable where that would have its own.
+@interface StandIn : NSObject {
+    id _behind;
+}
+- (instancetype)initWithObject:(id)behind;
+@end
+
+@implementation StandIn
+
+- (instancetype)initWithObject:(id)behind {
+    if ((self = [super init]) != nil) _behind = [behind retain];
+    return self;
+}
+
+- (void)dealloc {
+    [_behind release];
+    [super dealloc];
+}
+
+- (BOOL)isKindOfClass:(Class)aClass {
+    return [_behind isKindOfClass:aClass];
+}
+
+@end
+
 namespace {
 
 using namespace tallyfoot::testing;
@@ -9,6 +36,7 @@ using tallyfoot::objc::record;
 using ObjCAuthentication = ObjCHost;
 using ObjCUploadConfiguration = ObjCHost;
 using ObjCEnvironment = ObjCHost;
+using ObjCRecord = ObjCHost;
 
 constexpr const char* bases = "<key>uploadBases</key><dict><key>prod</key><string>prod.example</string></dict>";
 
@@ -106,6 +134,22 @@ TEST_F(ObjCEnvironment, TakesANumberThatIsNoEndpointForNone) {
         EXPECT_EQ(record(environment)->endpoint(), std::nullopt) << number;
     }
     EXPECT_TRUE([environment.uploadPath isEqual:@"no such path"]);
+}
+
+TEST_F(ObjCRecord, IsNoneInAnObjectThatOnlyPassesForItsClass) {
+    Environment* environment = [[[Environment alloc] init] autorelease];
+    id standIn = [[[StandIn alloc] initWithObject:environment] autorelease];
+    EXPECT_EQ(record((Environment*)standIn), nullptr);
+}
+
+TEST_F(ObjCRecord, IsThatOfAnObjectOfASubclass) {
+    Environment* environment = [[[Environment alloc] init] autorelease];
+    const auto before = record(environment);
+    Class made = objc_allocateClassPair([Environment class], "NSKVONotifying_Environment", 0);
+    objc_registerClassPair(made);
+    object_setClass(environment, made);
+    EXPECT_EQ(record(environment), before);
+    object_setClass(environment, [Environment class]);
 }
 
 TEST_F(ObjCEnvironment, MayHaveItsUploadPathOverwritten) {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "TallyfootObjC/Support/Guard.h"
-
 #import <Foundation/Foundation.h>
+#include <objc/runtime.h>
 
 #include <memory>
 #include <utility>
@@ -21,13 +20,14 @@ void letGo(void*& place) {
     delete static_cast<std::shared_ptr<Record>*>(std::exchange(place, nullptr));
 }
 
-// None in an object of another class, in one that was never initialised, and in a proxy that raises.
+// None in an object of another class, whatever class it passes for, and in one that was never initialised.
 template <class Record>
 std::shared_ptr<Record> held(id object, Class expected, void* const* place) {
-    return guardedValue<std::shared_ptr<Record>>([&]() -> std::shared_ptr<Record> {
-        if (![object isKindOfClass:expected] || *place == nullptr) return nullptr;
-        return *static_cast<const std::shared_ptr<Record>*>(*place);
-    });
+    // By the runtime's word, not by the object's own: a proxy has no such instance variable.
+    Class aClass = object_getClass(object);
+    while (aClass != Nil && aClass != expected) aClass = class_getSuperclass(aClass);
+    if (aClass == Nil || *place == nullptr) return nullptr;
+    return *static_cast<const std::shared_ptr<Record>*>(*place);
 }
 
 } // namespace tallyfoot::objc
