@@ -302,7 +302,8 @@ TEST_F(ObjCTallyfoot, TakesAnObjectThatRaisesForNone) {
     EXPECT_EQ(Tallyfoot.appInfo, nil);
 }
 
-TEST_F(ObjCTallyfoot, InstallsTheInterceptionsWhenItIsConfiguredOrItsEnvironmentIsSet) {
+TEST_F(ObjCTallyfoot, InstallsTheInterceptionsWhenItsEnvironmentIsSet) {
+    EXPECT_FALSE(Tallyfoot.isSwizzled);
     Tallyfoot.environment = [[[Environment alloc] init] autorelease];
     EXPECT_TRUE(Tallyfoot.isSwizzled);
 }

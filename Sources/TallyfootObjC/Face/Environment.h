@@ -24,7 +24,8 @@ TALLYFOOT_OBJC_EXPORT
 // A whole address. "no such path" until an endpoint was resolved; one that is set stays until the next is.
 @property(nonatomic, copy) NSString* uploadPath;
 
-// The property list as it was last found; none before, and none when that file was unreadable.
+// The property list as it was last found; none before, and none when that file was unreadable. A date in it
+// is a number, of seconds since the first of January 2001.
 @property(nonatomic, readonly, nullable) NSDictionary<NSString*, id>* environmentDict;
 
 @end
