@@ -31,6 +31,32 @@ using Call = std::function<void()>;
 }
 @end
 
+// Has nothing of the other one but the end of its name.
+@interface HostsCallStackTracker : NSObject {
+@public
+    int calls;
+}
+- (void)continueTracking:(const Call*)call;
+@end
+
+@implementation HostsCallStackTracker
+- (void)continueTracking:(const Call*)call {
+    (*call)();
+    ++calls;
+}
+@end
+
+// The beginning of the other one's name is no part of a symbol's text that counts.
+@interface CallStackTrackerOfTheHosts : HostsCallStackTracker
+@end
+
+@implementation CallStackTrackerOfTheHosts
+- (void)continueTracking:(const Call*)call {
+    (*call)();
+    ++calls;
+}
+@end
+
 namespace {
 
 using tallyfoot::objc::callStackContains;
@@ -83,6 +109,19 @@ TEST_F(CallStack, IsToldAtAnyDepthAndWithFramesOfAnySize) {
         const std::size_t bytes = random() % 64 * 16;
         ASSERT_EQ(isFound(whileTracking, levels, bytes), whileTracking) << levels << ' ' << bytes;
     }
+}
+
+TEST_F(CallStack, IsToldByAnyPartOfASymbolsText) {
+    const auto isFoundIn = [](Class trackerClass) {
+        bool isThere = false;
+        const Call look = [&] { isThere = callStackContains(marker); };
+        id tracker = [[trackerClass alloc] init];
+        [tracker continueTracking:&look];
+        [tracker release];
+        return isThere;
+    };
+    EXPECT_TRUE(isFoundIn([HostsCallStackTracker class]));
+    EXPECT_FALSE(isFoundIn([CallStackTrackerOfTheHosts class]));
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 namespace tallyfoot::objc {
 
 // Whether an entry of this thread's call stack, written "-[UIControl touchesEnded:withEvent:]", contains
-// the marker: a class's name, a space and the beginning of a selector.
+// the marker: the end of a class's name, a space and the beginning of a selector.
 bool callStackContains(std::string_view marker);
 
 } // namespace tallyfoot::objc

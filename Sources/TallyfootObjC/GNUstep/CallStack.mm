@@ -4,6 +4,7 @@
 
 #include "TallyfootObjC/Binding/CallStack.h"
 
+#include "TallyfootObjC/GNUstep/AllClasses.h"
 #include "TallyfootObjC/GNUstep/KnownStacks.h"
 #include "TallyfootObjC/Support/Text.h"
 
@@ -24,17 +25,21 @@ namespace tallyfoot::objc {
 
 namespace {
 
-// Where the class's methods begin whose selectors begin so.
-std::vector<Code> beginnings(const std::string& className, std::string_view selectorPrefix) {
-    std::vector<Code> found;
-    const Class aClass = objc_lookUpClass(className.c_str());
-    if (aClass == Nil) return found;
+void appendBeginnings(std::vector<Code>& found, Class aClass, std::string_view selectorPrefix) {
     unsigned count = 0;
     Method* const methods = class_copyMethodList(aClass, &count);
     for (unsigned index = 0; index < count; ++index)
         if (std::string_view(sel_getName(method_getName(methods[index]))).starts_with(selectorPrefix))
             found.push_back(reinterpret_cast<Code>(method_getImplementation(methods[index])));
     std::free(methods);
+}
+
+// Where the methods begin whose class's name ends so and whose selector begins so.
+std::vector<Code> beginnings(std::string_view classSuffix, std::string_view selectorPrefix) {
+    std::vector<Code> found;
+    for (Class aClass : allClasses())
+        if (std::string_view(class_getName(aClass)).ends_with(classSuffix))
+            appendBeginnings(found, aClass, selectorPrefix);
     return found;
 }
 
@@ -100,10 +105,10 @@ _Unwind_Reason_Code look(_Unwind_Context* frame, void* argument) {
 }
 
 // Never inlined: where it returns to is the innermost place of all.
-[[gnu::noinline]] bool isAmongFrames(std::string_view className, std::string_view selectorPrefix, Known& known) {
+[[gnu::noinline]] bool isAmongFrames(std::string_view classSuffix, std::string_view selectorPrefix, Known& known) {
     const auto* const innermost = static_cast<const Code*>(__builtin_dwarf_cfa()) - 1;
     if (const auto answer = known.stacks.answer(innermost)) return *answer;
-    const auto expected = beginnings(std::string(className), selectorPrefix);
+    const auto expected = beginnings(classSuffix, selectorPrefix);
     Search search{expected, known.symbols, innermost};
     _Unwind_Backtrace(look, &search);
     known.stacks.remember(innermost, std::move(search.returns), search.isFound);

@@ -3,8 +3,9 @@
 
 #include "TallyfootObjC/Binding/DispatchTables.h"
 
+#include "TallyfootObjC/GNUstep/AllClasses.h"
+
 #include <cstdlib>
-#include <vector>
 
 // The runtime's own, for a class and all below it; exported, though no header says so.
 extern "C" void __objc_update_dispatch_table_for_class(Class aClass) __attribute__((weak));
@@ -20,16 +21,6 @@ bool has(Class aClass, Method method) {
     for (unsigned index = 0; index < count && !isThere; ++index) isThere = methods[index] == method;
     std::free(methods);
     return isThere;
-}
-
-std::vector<Class> allClasses() {
-    std::vector<Class> classes;
-    for (int count = objc_getClassList(nullptr, 0); static_cast<std::size_t>(count) > classes.size();) {
-        classes.resize(static_cast<std::size_t>(count));
-        count = objc_getClassList(classes.data(), count);
-        if (static_cast<std::size_t>(count) < classes.size()) classes.resize(static_cast<std::size_t>(count));
-    }
-    return classes;
 }
 
 } // namespace
