@@ -13,10 +13,7 @@ using ::testing::SizeIs;
 
 class SelectionsTest : public ::testing::Test {
 protected:
-    SelectionsTest() {
-        host_.capture.configureSwizzle();
-        host_.addClass("Delegate", "NSObject");
-    }
+    SelectionsTest() { host_.capture.configureSwizzle(); }
 
     ObjectRef tableWith(ObjectRef cell, const char* className = "UITableView") {
         const auto table = host_.make(className);
