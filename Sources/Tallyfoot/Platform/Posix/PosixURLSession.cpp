@@ -6,6 +6,7 @@
 #include "Tallyfoot/Platform/Posix/ExitGate.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -105,11 +106,14 @@ private:
     }
 
     void failWaiting() {
-        const auto tasks = shared_.modify([](Shared& shared) {
+        auto tasks = shared_.modify([](Shared& shared) {
             shared.isStarted = false;
             return std::exchange(shared.waiting, {});
         });
-        for (const auto& task : tasks) task.completion(Error{"The system has no means left to send anything"});
+        std::vector<Finished> failed;
+        for (auto& task : tasks)
+            failed.push_back({std::move(task.completion), Error{"The system has no means left to send anything"}});
+        deliver(std::move(failed));
     }
 
     void run() {
@@ -129,9 +133,12 @@ private:
         const ExitGate::Pass pass;
         if (!setUpCurl()) return false;
         fillClosedStreams();
-        multi_.reset(curl_multi_init());
+        CurlMulti multi(curl_multi_init());
+        // Where no files were free libcurl makes one that cannot be woken: it would sleep through later tasks.
+        if (!multi || curl_multi_wakeup(multi.get()) != CURLM_OK) return false;
+        multi_ = std::move(multi);
         shared_.modify([this](Shared& shared) { shared.multi = multi_.get(); });
-        return multi_ != nullptr;
+        return true;
     }
 
     void tearDown() {
@@ -247,7 +254,10 @@ private:
         auto until = now + std::chrono::hours(1);
         for (const auto& transfer : active_) until = std::min(until, transfer->deadline(now));
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now).count();
-        curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(std::max<std::int64_t>(left, 0)), nullptr);
+        const auto limit = static_cast<int>(std::max<std::int64_t>(left, 0));
+        if (curl_multi_poll(multi_.get(), nullptr, 0, limit, nullptr) == CURLM_OK) return;
+        // The system does not let us wait for files, a process that may have none for one: now and then will do.
+        ::poll(nullptr, 0, std::min(limit, 50));
     }
 
     Exclusive<Shared> shared_;

@@ -9,7 +9,8 @@ namespace tallyfoot {
 // Requests over libcurl. The first task starts the session's thread, which lives as long as the
 // session, is deaf to signals and keeps connections for later tasks; six tasks run at a time, and a
 // task's time of silence begins when its turn comes. Where the system has no thread to give, a task
-// fails at once, on the caller's thread. See CurlTransfer for where a request goes.
+// fails at once, on the caller's thread; where it has no files, on the session's. See CurlTransfer for
+// where a request goes.
 //
 // A request on a connection that proves dead before any answer is sent anew on a fresh one; a
 // server may so see it twice, as it may after any failed upload.
