@@ -4,12 +4,20 @@
 
 #include "Tallyfoot/Capture/CustomOptions.h"
 
+#include <objc/runtime.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
 namespace {
 
 using namespace tallyfoot::testing;
 using tallyfoot::AssociatedValue;
 using tallyfoot::CustomOptions;
 using tallyfoot::objc::associatedValue;
+using tallyfoot::objc::setAssociatedValue;
 
 using ObjCOptions = ObjCHost;
 
@@ -75,6 +83,48 @@ TEST_F(ObjCOptions, GoWithTheirObject) {
     [button release];
     EXPECT_EQ(associatedValue(address, CustomOptions::customNameKey()), AssociatedValue());
     EXPECT_EQ(associatedValue(address, CustomOptions::logEnabledKey()), AssociatedValue());
+}
+
+void deallocAsTheRoot(id self, SEL selector) {
+    reinterpret_cast<void (*)(id, SEL)>([NSObject instanceMethodForSelector:selector])(self, selector);
+}
+
+// Below another one, with an end of its own, whose objects have had no options until then.
+Class classWithoutOptions(int number) {
+    const std::string name = "WithoutOptions" + std::to_string(number);
+    const Class above = objc_allocateClassPair([NSObject class], ("Above" + name).c_str(), 0);
+    objc_registerClassPair(above);
+    class_addMethod(above, @selector(dealloc), reinterpret_cast<IMP>(deallocAsTheRoot), "v@:");
+    const Class made = objc_allocateClassPair(above, name.c_str(), 0);
+    objc_registerClassPair(made);
+    [[[made alloc] init] release]; // the runtime knows now what its objects do at their end
+    return made;
+}
+
+TEST_F(ObjCOptions, GoWithTheirObjectsWhereTwoThreadsSetTheFirst) {
+    std::vector<Class> classes;
+    for (int number = 0; number < 20; ++number) classes.push_back(classWithoutOptions(number));
+    std::atomic<int> arrivals = 0;
+    std::atomic<int> left = 0;
+    const auto work = [&] {
+        int meetings = 0;
+        const auto meet = [&] {
+            ++arrivals;
+            for (++meetings; arrivals < 2 * meetings;) std::this_thread::yield();
+        };
+        for (Class one : classes) {
+            id const object = [[one alloc] init];
+            meet();
+            setAssociatedValue(object, CustomOptions::logEnabledKey(), false);
+            [object release];
+            meet(); // neither sets another one until both have looked
+            if (associatedValue(object, CustomOptions::logEnabledKey()) != AssociatedValue()) ++left;
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(left, 0);
 }
 
 TEST_F(ObjCOptions, OfAnotherTypeReadAsDefaults) {

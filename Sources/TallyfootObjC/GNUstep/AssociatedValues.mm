@@ -68,9 +68,14 @@ SideTable& sideTable() {
     return table;
 }
 
-// The method that stood in a class before, nil where the class inherited it.
-Exclusive<std::map<Class, Dealloc>>& formerMethods() {
-    static auto& methods = *new Exclusive<std::map<Class, Dealloc>>;
+// What stood in a class before.
+struct Former {
+    Dealloc method; // nil where the class inherited it
+    bool isReplaced = false;
+};
+
+Exclusive<std::map<Class, Former>>& formerMethods() {
+    static auto& methods = *new Exclusive<std::map<Class, Former>>;
     return methods;
 }
 
@@ -91,7 +96,7 @@ void deallocOf(id object, SEL selector, Class aClass) {
     sideTable().forget(object);
     const auto former = formerMethods().read([&](const auto& methods) -> Dealloc {
         const auto place = methods.find(aClass);
-        return place == methods.end() ? nullptr : place->second;
+        return place == methods.end() ? nullptr : place->second.method;
     });
     (former ? former : inherited(object, aClass))(object, selector);
 }
@@ -116,17 +121,19 @@ void standIn(Class aClass) {
     const bool isRoot = class_getSuperclass(aClass) == Nil;
     const auto body = reinterpret_cast<IMP>(isRoot ? deallocOfRoot : deallocBelowRoot);
     const Method own = ownDealloc(aClass);
-    const bool isFirst = formerMethods().modify([&](auto& methods) {
-        return methods.try_emplace(aClass, own ? reinterpret_cast<Dealloc>(method_getImplementation(own)) : nullptr)
-            .second;
-    });
-    if (!isFirst) return;
+    const Former found{own ? reinterpret_cast<Dealloc>(method_getImplementation(own)) : nullptr};
+    const bool isReplaced = formerMethods().modify(
+        [&](auto& methods) { return methods.try_emplace(aClass, found).first->second.isReplaced; });
+    if (isReplaced) return;
+    // Not under the lock, for the runtime has its own. So whoever comes while another thread is at it does
+    // the same once more: objects of its own could end before that one is done.
     if (own == nullptr) {
         class_addMethod(aClass, @selector(dealloc), body, "v@:");
     } else {
         method_setImplementation(own, body);
         updateDispatchTables(own);
     }
+    formerMethods().modify([&](auto& methods) { methods.at(aClass).isReplaced = true; });
 }
 
 } // namespace
