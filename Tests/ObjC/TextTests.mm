@@ -63,4 +63,10 @@ TEST_F(ObjCText, GivesEveryByteSequenceAString) {
     EXPECT_EQ(optionalString(std::nullopt), nil);
 }
 
+TEST_F(ObjCText, KeepsWhatLooksLikeAMarkOfTheBytesOrder) {
+    for (const auto* marked : {"\uFEFF", "\uFEFFBuy", "\uFEFF\uFEFFBuy", "Buy\uFEFF"})
+        EXPECT_EQ(text(string(marked)), marked);
+    EXPECT_EQ(text(string("\uFEFFa\xFF")), "\uFEFFa\uFFFD");
+}
+
 } // namespace

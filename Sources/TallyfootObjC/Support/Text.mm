@@ -73,6 +73,8 @@ std::optional<std::string> wellFormedText(NSString* string) {
 }
 
 NSString* string(std::string_view text) {
+    // Not at the beginning, where Foundation may take it for a mark of the bytes' order and leave it out.
+    if (text.starts_with("\uFEFF")) return [string("." + std::string(text)) substringFromIndex:1];
     NSString* made = [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
     if (made == nil) {
         const std::string repaired = utf8::wellFormed(text);
