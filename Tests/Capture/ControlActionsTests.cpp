@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 namespace tallyfoot::testing {
 namespace {
 
@@ -92,6 +94,17 @@ TEST_F(ControlActionsTest, AFailureWhileRecordingCostsTheEventOnly) {
                              [](const auto&) -> MemoryRuntime::Value { throw std::logic_error("getter"); });
     EXPECT_FALSE(isRecorded(sender));
     EXPECT_THAT(host_.journal, ElementsAre("sendAction"));
+}
+
+TEST_F(ControlActionsTest, RecordingLeavesErrnoAsItWas) {
+    const auto sender = button("Buy");
+    host_.runtime.answerWith(sender, "currentTitle", [](const auto&) {
+        errno = ENOENT;
+        return MemoryRuntime::Value(std::string("Buy"));
+    });
+    errno = EDOM;
+    EXPECT_EQ(only(sender).label(), "Buy");
+    EXPECT_EQ(errno, EDOM);
 }
 
 TEST_F(ControlActionsTest, AButtonIsCalledByItsNameElseItsTitleElseNothing) {

@@ -11,19 +11,22 @@
 #include "Tallyfoot/Capture/Selections.h"
 
 #include <atomic>
+#include <cerrno>
 #include <utility>
 
 namespace tallyfoot {
 
 namespace {
 
-// What goes wrong while an interaction is looked at costs its event, never the interaction.
+// What goes wrong while an interaction is looked at costs its event, never the interaction. errno stays as it was.
 template <class Block>
 void quietly(Block&& block) noexcept {
+    const int kept = errno;
     try {
         std::forward<Block>(block)();
     } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
     }
+    errno = kept;
 }
 
 } // namespace
