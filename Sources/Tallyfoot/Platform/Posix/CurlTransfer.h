@@ -14,9 +14,9 @@ namespace tallyfoot {
 //
 // Where it goes: to the request's own scheme, host and port, and nowhere else. 307 and 308 are
 // followed there, body and headers included, five times at the most; any other redirect is the
-// answer itself. $http_proxy, $https_proxy and $no_proxy are respected, but a loopback address is
-// never handed to a proxy. $SSL_CERT_FILE and $SSL_CERT_DIR name the trusted certificates where the
-// system's own are not meant.
+// answer itself. $http_proxy, $https_proxy, $all_proxy and $no_proxy are respected, but a loopback
+// address is never handed to a proxy. $SSL_CERT_FILE and $SSL_CERT_DIR name the trusted certificates
+// where the system's own are not meant.
 class CurlTransfer {
 public:
     static constexpr std::size_t maximumAnswer = 1u << 20; // bytes of body; a longer answer is an error
