@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -800,6 +801,23 @@ TEST(TallyfootShared, MakingTheSharedInstanceLeavesErrnoAsItWas) {
     errno = EDOM;
     Tallyfoot::appInfo(); // the first call of all
     EXPECT_EQ(errno, EDOM);
+}
+
+TEST_F(TallyfootTest, AThreadThatIsCancelledEndsAfterItsCalls) {
+    int steps = 0;
+    std::thread([&] {
+        ::pthread_cancel(::pthread_self()); // heard where the thread may wait next
+        Tallyfoot::setShowOutput(true);
+        start();
+        Tallyfoot::log("a", {});
+        Tallyfoot::setShowOutput(false);
+        ++steps;
+        ::pthread_testcancel();
+        ++steps;
+    }).join();
+    EXPECT_EQ(steps, 1);
+    Tallyfoot::log("b", {}); // nothing is held
+    EXPECT_THAT(records(), SizeIs(2));
 }
 
 TEST_F(TallyfootTest, IllFormedTextIsRecordedWithReplacementCharacters) {

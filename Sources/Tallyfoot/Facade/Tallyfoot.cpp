@@ -3,6 +3,7 @@
 #include "Tallyfoot/Facade/Configuration/Settings.h"
 #include "Tallyfoot/Facade/EventPipeline.h"
 #include "Tallyfoot/Facade/TallyfootImplementation.h"
+#include "Tallyfoot/Platform/CancellationHold.h"
 #include "Tallyfoot/Platform/FatalError.h"
 #include "Tallyfoot/Platform/Screen.h"
 
@@ -13,19 +14,20 @@ namespace tallyfoot {
 
 namespace {
 
-// A host may log a failure before it looks at the failure's number.
-struct KeptErrorNumber {
-    const int number = errno;
-    KeptErrorNumber() = default;
-    ~KeptErrorNumber() { errno = number; }
-    KeptErrorNumber(const KeptErrorNumber&) = delete;
-    KeptErrorNumber& operator=(const KeptErrorNumber&) = delete;
+// What a call leaves of its thread as it was. A host may log a failure before it looks at the failure's number.
+struct KeptThread {
+    const int errorNumber = errno;
+    const CancellationHold hold;
+    KeptThread() = default;
+    ~KeptThread() { errno = errorNumber; }
+    KeptThread(const KeptThread&) = delete;
+    KeptThread& operator=(const KeptThread&) = delete;
 };
 
 // No exception reaches a host: what memory runs out for is dropped.
 template <class Block>
 void guarded(Block&& block) noexcept {
-    const KeptErrorNumber kept;
+    const KeptThread kept;
     try {
         std::forward<Block>(block)();
     } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
@@ -34,7 +36,7 @@ void guarded(Block&& block) noexcept {
 
 template <class Value, class Block>
 Value guardedValue(Block&& block) noexcept {
-    const KeptErrorNumber kept;
+    const KeptThread kept;
     try {
         return std::forward<Block>(block)();
     } catch (...) {
@@ -54,7 +56,7 @@ Tallyfoot& Tallyfoot::shared() noexcept {
     // Never released: a host may log while its process ends. A process without memory for this one
     // object has none for anything.
     static auto* const instance = [] {
-        const KeptErrorNumber kept;
+        const KeptThread kept;
         return new Tallyfoot(); // NOLINT(bugprone-unhandled-exception-at-new)
     }();
     return *instance;

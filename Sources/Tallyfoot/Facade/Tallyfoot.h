@@ -24,8 +24,8 @@ namespace tallyfoot {
 // The one class through which a host switches the library on, sets it up and logs events of its
 // own: `setAppInfo` and `configure`, then `log`. Every call may come from any thread, also while the
 // process ends; none throws (making its arguments may, when memory runs out), and each leaves errno as
-// it was. Not for a child process forked afterwards: a thread that the child does not have may hold a
-// lock. Nor for a thread that is cancelled (pthread_cancel) inside a call: that ends the process.
+// it was. A thread that is cancelled (pthread_cancel) goes on until its call has returned. Not for a child
+// process forked afterwards: a thread that the child does not have may hold a lock.
 class TALLYFOOT_EXPORT Tallyfoot {
 public:
     // Asked for the user's credentials when recording starts and whenever the server rejects the
