@@ -207,6 +207,15 @@ TEST_F(ObjCCrash, AReasonThatCrashesIsToldAsTheSignal) {
     EXPECT_THAT(toldByHost(), ElementsAre("SIGSEGV"));
 }
 
+TEST_F(ObjCCrash, AReasonThatDoesNotComeIsToldAsAnEmptyOne) {
+    ASSERT_TRUE(hostEndsWith(aborted, [] {
+        raiseOdd(^id {
+          for (;;) ::pause();
+        });
+    }));
+    EXPECT_THAT(toldByHost(), ElementsAre(""));
+}
+
 TEST_F(ObjCCrash, AReasonOfAnyCharacters) {
     const std::string reason = "\"quoted\" 'and' \\ <&>\n\r\tK\u00f6rbe \U0001F6D2 \x01";
     ASSERT_TRUE(hostEndsWith(ended, [&] { raise([NSString stringWithUTF8String:reason.c_str()]); }));

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Tallyfoot/Platform/FunctionRef.h"
+
+#include <string>
 #include <string_view>
 
 namespace tallyfoot {
@@ -23,9 +26,12 @@ public:
 
     // Another language's way of throwing, whose uncaught exceptions C++ does not hear of or cannot name.
     struct ExceptionRuntime {
-        // Has the hook called with the reason of every exception that nobody catches, or with "" where it
-        // has none; then the runtime ends the process as it always does. Replaces the host's handler.
-        void (*setUncaughtExceptionHandler)(ExceptionHook hook);
+        // Asks the exception for its reason, "" where it has none, once at most. That may run code of the
+        // host's: a reason that does not come in good time counts as none, and the process is aborted.
+        using Hook = void (*)(FunctionRef<std::string()> reason) noexcept;
+        // Has the hook called for every exception that nobody catches; then the runtime ends the process
+        // as it always does. Replaces the host's handler.
+        void (*setUncaughtExceptionHandler)(Hook hook);
         // Such an exception ends in std::terminate, whose handler is the runtime's own and must stay.
         bool endsInTerminate;
     };

@@ -13,19 +13,23 @@ namespace tallyfoot::objc {
 
 namespace {
 
-using Hook = CrashHooks::ExceptionHook;
+using Hook = CrashHooks::ExceptionRuntime::Hook;
 
 constinit std::atomic<Hook> exceptionHook{nullptr};
 
 // What the exception itself does when it is asked is the host's: it may raise another one.
-void onException(NSException* exception) {
+std::string reasonOf(NSException* exception) {
     std::string reason;
     guarded([&] {
         @autoreleasepool {
             if ([exception isKindOfClass:[NSException class]]) reason = text([exception reason]);
         }
     });
-    exceptionHook.load()(reason);
+    return reason;
+}
+
+void onException(NSException* exception) {
+    exceptionHook.load()([exception] { return reasonOf(exception); });
 }
 
 void setUncaughtExceptionHandler(Hook hook) {

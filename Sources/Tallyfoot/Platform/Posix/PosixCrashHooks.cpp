@@ -162,8 +162,19 @@ void keep(std::string_view reason) noexcept {
     unblock(SIGALRM);
 }
 
-void onExceptionOfRuntime(std::string_view reason) noexcept {
-    if (isOurProcess()) keep(reason);
+// To find a reason is to run code of the host's. False on a thread that has begun: the first one failed.
+bool beginReasoning() noexcept {
+    if (reasoningThread.exchange(thisThread()) == thisThread()) return false;
+    armWatchdog();
+    return true;
+}
+
+void onExceptionOfRuntime(FunctionRef<std::string()> reason) noexcept {
+    if (!isOurProcess()) return;
+    if (beginReasoning())
+        keep(reason());
+    else
+        keep("");
 }
 
 // The runtime's own message. A handler of the host's is never called: ours replaces it.
@@ -176,10 +187,7 @@ void onExceptionOfRuntime(std::string_view reason) noexcept {
 
 [[noreturn]] void onTerminate() {
     if (!isOurProcess()) endAsUsual();
-    // A reason that itself cannot be had: the second time round we go without.
-    const bool isSecondRound = reasoningThread.exchange(thisThread()) == thisThread();
-    if (!isSecondRound && std::current_exception()) {
-        armWatchdog(); // to find the reason is to run code of the host's
+    if (beginReasoning() && std::current_exception()) {
         try {
             throw;
         } catch (const std::exception& exception) {
