@@ -595,6 +595,32 @@ TEST_F(CrashTest, AnExitHandlerThatHangsDoesNotKeepAProcessWithAThreadThatTakesE
     EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
 }
 
+TEST_F(CrashTest, AnExitHandlerThatHangsDeafToEverySignalDoesNotKeepTheProcess) {
+    ASSERT_TRUE(crashes(128 + SIGKILL, [] {
+        std::atexit([] {
+            sigset_t signals;
+            ::sigfillset(&signals);
+            ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+            waitForTheEnd();
+        });
+        writeToForbiddenMemory();
+    }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
+}
+
+// It would go on to a program that an exit handler starts in place of the crashed one.
+TEST_F(CrashTest, TheAlarmOfTheProcessIsLeftAlone) {
+    ASSERT_TRUE(crashes(77, [] {
+        std::atexit([] { ::_exit(::alarm(0) == 0 ? 77 : 1); });
+        writeToForbiddenMemory();
+    }));
+    ASSERT_TRUE(crashes(77, [] {
+        ::alarm(1000);
+        std::atexit([] { ::_exit(::alarm(0) > 900 ? 77 : 1); });
+        writeToForbiddenMemory();
+    }));
+}
+
 TEST_F(CrashTest, AnExitHandlerThatCrashesLeavesTheFirstRecord) {
     ASSERT_TRUE(crashes(SIGSEGV, [] {
         std::atexit([] { std::abort(); });

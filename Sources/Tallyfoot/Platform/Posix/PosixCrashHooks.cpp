@@ -82,24 +82,30 @@ void onAlarm(int) {
     endAtOnce();
 }
 
-// Alarms rather than a thread that watches: they need nothing made beforehand. The first goes to any thread,
-// if this one cannot hear it; the second to this one, if a thread of the host's waits for the first and takes it.
+enum class Hearer { anyThread, thisThread };
+
+// By bare system calls: the C library's own functions may take memory.
+bool ring(int number, unsigned seconds, Hearer hearer) noexcept {
+    sigevent event{};
+    event.sigev_notify = hearer == Hearer::thisThread ? SIGEV_THREAD_ID : SIGEV_SIGNAL;
+    event.sigev_signo = number;
+    event._sigev_un._tid = thisThread();
+    int timer = 0;
+    itimerspec time{};
+    time.it_value.tv_sec = seconds;
+    return ::syscall(SYS_timer_create, CLOCK_MONOTONIC, &event, &timer) == 0
+           && ::syscall(SYS_timer_settime, timer, 0, &time, nullptr) == 0;
+}
+
+// Timers rather than a thread that watches: they need nothing made beforehand. The first goes to any thread,
+// if this one cannot hear it; the second to this one, if a thread of the host's waits for the first and takes
+// it. The process's one alarm only where there is no timer: it would outlive an exec.
 void armWatchdog() noexcept {
     deadline.store(now() + std::int64_t{patienceInSeconds} * 1'000'000'000);
     setAction(SIGALRM, onAlarm);
     unblock(SIGALRM);
-    ::alarm(patienceInSeconds);
-
-    sigevent ring{};
-    ring.sigev_notify = SIGEV_THREAD_ID;
-    ring.sigev_signo = SIGALRM;
-    ring._sigev_un._tid = thisThread();
-    int timer = 0;
-    itimerspec time{};
-    time.it_value.tv_sec = patienceInSeconds;
-    // The C library's own functions may take memory.
-    if (::syscall(SYS_timer_create, CLOCK_MONOTONIC, &ring, &timer) == 0)
-        ::syscall(SYS_timer_settime, timer, 0, &time, nullptr);
+    if (!ring(SIGALRM, patienceInSeconds, Hearer::anyThread)) ::alarm(patienceInSeconds);
+    (void)ring(SIGALRM, patienceInSeconds, Hearer::thisThread);
 }
 
 // From here on nothing cuts the thread short: no signal that is sent to it (a fault does, and ends the process),
@@ -233,6 +239,7 @@ void PosixCrashHooks::exit(int status) noexcept {
     ::syscall(SYS_rt_sigprocmask, SIG_SETMASK, interruptedMask, nullptr, sizeOfMask);
     for (int number = 1; number < mostSignals; ++number)
         if (number == SIGALRM || signalHooks[static_cast<std::size_t>(number)].load() != nullptr) unblock(number);
+    (void)ring(SIGKILL, patienceInSeconds + 1, Hearer::anyThread); // for a handler that shuts its ears to the alarm
     std::exit(status);
 }
 
