@@ -492,6 +492,21 @@ TEST_F(PosixSignalSafeStoreTest, WhatTheDiskRefusesLeavesTheFormerValue) {
     EXPECT_THAT(names(), UnorderedElementsAre(".lock", "crash.plist"));
 }
 
+TEST_F(PosixSignalSafeStoreTest, WhatAProcessThatWasKilledInAHandlerHasLeftIsRemoved) {
+    const auto hidden = [](pid_t process) {
+        const auto digits = std::to_string(process);
+        return ".value." + std::string(10 - digits.size(), '0') + digits + ".new";
+    };
+    const auto killed = ::fork();
+    if (killed == 0) ::_exit(0);
+    (void)statusOf(killed);
+    const auto living = hidden(::getpid());
+    std::filesystem::create_directory(path());
+    for (const auto& name : {hidden(killed), living, ".value.new"s, ".value.new.plist"s}) writeFile(path(name), "<");
+    ASSERT_NE(open()->makeSignalSafeStore("crash"), nullptr);
+    EXPECT_THAT(names(), UnorderedElementsAre(living, ".value.new", ".value.new.plist"));
+}
+
 TEST_F(PosixSignalSafeStoreTest, WithoutAPlaceOnDiskThereIsNone) {
     EXPECT_EQ(PosixUserDefaults("", std::make_shared<PosixPropertyLists>()).makeSignalSafeStore("crash"), nullptr);
     EXPECT_EQ(open()->makeSignalSafeStore(std::string(300, 'k')), nullptr);

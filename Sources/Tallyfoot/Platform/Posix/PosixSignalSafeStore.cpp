@@ -1,17 +1,22 @@
 #include "Tallyfoot/Platform/Posix/PosixSignalSafeStore.h"
 
+#include "Tallyfoot/Platform/Posix/PosixFileManager.h"
 #include "Tallyfoot/Platform/Posix/PosixPropertyLists.h"
 
 #include <fcntl.h>
 #include <sched.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <system_error>
 
 namespace tallyfoot {
 
@@ -103,8 +108,27 @@ bool write(int file, std::span<const SignalSafeStore::Text> texts) noexcept {
     return output.flush();
 }
 
-constexpr std::string_view hiddenHead = "/.value.";
-constexpr std::size_t mostDigits = 10;
+constexpr std::string_view hiddenHead = ".value.";
+constexpr std::size_t digitsOfHidden = 10;
+constexpr std::string_view hiddenTail = ".new";
+
+std::optional<pid_t> writerOf(std::string_view name) {
+    if (name.size() != hiddenHead.size() + digitsOfHidden + hiddenTail.size()) return std::nullopt;
+    if (!name.starts_with(hiddenHead) || !name.ends_with(hiddenTail)) return std::nullopt;
+    const auto digits = name.substr(hiddenHead.size(), digitsOfHidden);
+    pid_t writer = 0;
+    const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), writer);
+    return read.ec == std::errc() && read.ptr == digits.data() + digits.size() ? std::optional(writer) : std::nullopt;
+}
+
+// What processes have left that were killed inside a hook. One that lives may be in the middle of its own.
+void removeLeftovers(const std::string& folder) {
+    const auto names = PosixFileManager().contentsOfDirectory(folder);
+    if (!names) return;
+    for (const auto& name : names.value())
+        if (const auto writer = writerOf(name); writer && ::kill(*writer, 0) != 0 && errno == ESRCH)
+            (void)::unlink((folder + "/" + name).c_str());
+}
 
 // The folder and all that it lies in, outermost first.
 std::vector<std::string> wayTo(const std::string& folder) {
@@ -119,13 +143,16 @@ std::vector<std::string> wayTo(const std::string& folder) {
 
 PosixSignalSafeStore::PosixSignalSafeStore(const std::string& folder, std::string path, std::string key,
                                            const std::atomic<NumberTable*>& numbers)
-    : folders_(wayTo(folder)), hidden_(folder + std::string(hiddenHead) + std::string(mostDigits, '0') + ".new"),
+    : folders_(wayTo(folder)),
+      hidden_(folder + "/" + std::string(hiddenHead) + std::string(digitsOfHidden, '0') + std::string(hiddenTail)),
       path_(std::move(path)), key_(std::move(key)), numbers_(numbers),
-      spare_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {}
+      spare_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {
+    removeLeftovers(folder);
+}
 
 // A process that was forked since has this store too, and must not write into the same file.
 void PosixSignalSafeStore::nameHidden() noexcept {
-    auto digit = folders_.back().size() + hiddenHead.size() + mostDigits;
+    auto digit = hidden_.size() - hiddenTail.size();
     for (auto rest = ::getpid(); rest > 0; rest /= 10) hidden_[--digit] = static_cast<char>('0' + rest % 10);
 }
 

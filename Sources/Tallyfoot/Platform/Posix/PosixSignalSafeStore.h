@@ -11,8 +11,9 @@
 namespace tallyfoot {
 
 // Writes the value file as an XML property list, which needs no room but a small buffer on the stack,
-// under a hidden name of the process's own; then renames it and clears the key's number, if any. Holds a
-// file descriptor ready, for a process that crashes because it has used up its own.
+// under a hidden name of the process's own; then renames it and clears the key's number, if any. What a
+// process that was killed meanwhile has left goes when the next store is made. Holds a file descriptor
+// ready, for a process that crashes because it has used up its own.
 class PosixSignalSafeStore final : public SignalSafeStore {
 public:
     PosixSignalSafeStore(const std::string& folder, std::string path, std::string key,
