@@ -291,6 +291,19 @@ TEST_F(PosixUserDefaultsTest, ADamagedValueFileReadsAsNothingAndCanBeReplaced) {
     EXPECT_EQ(open()->object("key"), text("new"));
 }
 
+TEST_F(PosixUserDefaultsTest, AValueFileThatIsFarTooLargeIsNotTakenIntoMemory) {
+    const auto usedMemory = [] {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss; // in KiB
+    };
+    open()->setObject("crash", text("former"));
+    std::filesystem::resize_file(path("crash.plist"), std::uintmax_t{1} << 29U);
+    const auto before = usedMemory();
+    EXPECT_EQ(open()->object("crash"), std::nullopt);
+    EXPECT_LT(usedMemory() - before, 1 << 17);
+}
+
 TEST_F(PosixUserDefaultsTest, AFolderInThePlaceOfAValueFileKeepsTheValueInMemory) {
     std::filesystem::create_directories(path("key.plist/inner"));
     const auto defaults = open();

@@ -2,10 +2,14 @@
 
 #include "Tallyfoot/Platform/Posix/PosixFileHandle.h"
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
+#include "Tallyfoot/Platform/Posix/PosixPropertyLists.h"
 #include "Tallyfoot/Platform/Posix/SystemError.h"
 
 #include <fcntl.h>
 #include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
 
 namespace tallyfoot {
 
@@ -44,7 +48,9 @@ std::optional<std::string> ValueFiles::pathOf(std::string_view key) const {
 
 std::optional<PropertyList> ValueFiles::read(std::string_view key) const {
     const auto path = pathOf(key);
-    if (!path) return std::nullopt;
+    std::error_code failed;
+    if (!path || std::filesystem::file_size(*path, failed) > PosixPropertyLists::maximumSize || failed)
+        return std::nullopt;
     const auto bytes = PosixFileManager().contents(*path);
     return bytes ? lists_->propertyList(bytes.value()) : std::nullopt;
 }
