@@ -10,6 +10,7 @@
 
 #include <array>
 #include <atomic>
+#include <barrier>
 #include <chrono>
 #include <future>
 #include <string>
@@ -125,6 +126,65 @@ TEST(PosixDispatchQueue, WithoutAnyThreadToGiveTheNextCallerDoesTheWork) {
         queue->async([&] { order += 'c'; });
         queue.reset();
         return order == "abc";
+    }));
+}
+
+TEST(PosixDispatchQueue, ItsThreadMayComeWhileACallerDoesItsWork) {
+    TemporaryFolder folder;
+    EXPECT_TRUE(asOrdinaryUser(folder, [] {
+        constexpr int blocksEach = 100;
+        rlimit former{};
+        if (::getrlimit(RLIMIT_NPROC, &former) != 0) return false;
+        const rlimit none{0, former.rlim_max};
+        std::barrier both(2);
+        std::shared_ptr<DispatchQueue> queue;
+        int blocks = 0;
+        std::thread other([&] {
+            for (;;) {
+                both.arrive_and_wait(); // in the queue's first block, or at the end
+                if (!queue) return;
+                queue->async([&] { ++blocks; });
+                both.arrive_and_wait();
+            }
+        });
+        bool ranOnce = true;
+        for (int round = 0; round < 500; ++round) {
+            queue = PosixDispatch().makeQueue("queue");
+            blocks = 0;
+            if (::setrlimit(RLIMIT_NPROC, &none) != 0) return false;
+            queue->async([&] {
+                (void)::setrlimit(RLIMIT_NPROC, &former);
+                both.arrive_and_wait();
+            });
+            for (int block = 0; block < blocksEach; ++block) queue->async([&] { ++blocks; });
+            queue->sync([] {});
+            both.arrive_and_wait();
+            queue->sync([&] { ranOnce = ranOnce && blocks == blocksEach + 1; });
+        }
+        queue.reset();
+        both.arrive_and_wait();
+        other.join();
+        return ranOnce;
+    }));
+}
+
+TEST(PosixDispatchSourceTimer, TicksAlsoWhereItsQueueFindsNoThread) {
+    TemporaryFolder folder;
+    EXPECT_TRUE(asOrdinaryUser(folder, [] {
+        const rlimit none{0, 0};
+        PosixDispatch dispatch;
+        const std::array queues{dispatch.makeQueue("former"), dispatch.makeQueue("later")};
+        Occurrences ticks;
+        std::vector<std::unique_ptr<DispatchSourceTimer>> timers;
+        for (const auto& queue : queues) {
+            timers.push_back(dispatch.makeTimerSource(queue));
+            timers.back()->setEventHandler([&] { ticks.add(); });
+            timers.back()->schedule(0ns, std::nullopt, 0ns);
+            timers.back()->resume();
+            if (!ticks.waitFor(static_cast<int>(timers.size())) || ::setrlimit(RLIMIT_NPROC, &none) != 0) return false;
+        }
+        for (const auto& queue : queues) queue->sync([] {});
+        return true;
     }));
 }
 

@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Platform/Posix/Condition.h"
 #include "Tallyfoot/Platform/Posix/DetachedThread.h"
+#include "Tallyfoot/Platform/Posix/TimerThread.h"
 #include "Tallyfoot/Platform/Posix/Turn.h"
 
 #include <atomic>
@@ -12,7 +13,7 @@
 
 namespace tallyfoot {
 
-class PosixDispatchQueue::State : public std::enable_shared_from_this<State> {
+class PosixDispatchQueue::State : public Alarm, public std::enable_shared_from_this<State> {
 public:
     explicit State(std::string text) : label(std::move(text)) {}
 
@@ -29,12 +30,18 @@ public:
     }
 
     void async(std::function<void()> block) {
-        MutexLock lock(mutex_);
-        blocks_.push_back(std::move(block));
-        ++enqueued_;
-        waiting_.fetch_add(1, std::memory_order_release);
-        if (ensureThread()) work_.notifyOne();
+        {
+            MutexLock lock(mutex_);
+            blocks_.push_back(std::move(block));
+            ++enqueued_;
+            waiting_.fetch_add(1, std::memory_order_release);
+            if (ensureThread()) return work_.notifyOne();
+        }
+        // The block may be a timer's, on a queue to which nobody else comes.
+        TimerThread::shared().set(Instant::min(), shared_from_this());
     }
+
+    void ring(const AlarmKey&) override { runBlocksHere(); }
 
     void release() {
         if (isCurrent()) keepUntilEndOfTurn();
@@ -89,22 +96,13 @@ private:
                 while (blocks_.empty() && !isReleased_) work_.wait(mutex_);
                 if (blocks_.empty()) return;
             }
+            bool ran = false;
             {
                 const Hold hold(*this);
-                runNextBlock();
+                ran = runBlockIfAny(); // a caller may have done it meanwhile
             }
-            finishBlock();
+            if (ran) finishBlock();
         }
-    }
-
-    void runNextBlock() TALLYFOOT_REQUIRES(turn_) {
-        std::function<void()> block;
-        {
-            MutexLock lock(mutex_);
-            block = std::move(blocks_.front());
-            blocks_.pop_front();
-        }
-        block();
     }
 
     void finishBlock() {
@@ -125,7 +123,7 @@ private:
         runBlocksHere();
     }
 
-    // Where the system has no thread to give, the next caller does the queue's work.
+    // Where the system has no thread to give, the timers' thread does the queue's work, or the next caller.
     void runBlocksHere() {
         for (bool ran = true; ran;) {
             if (isCurrent()) {
@@ -140,11 +138,14 @@ private:
     }
 
     bool runBlockIfAny() TALLYFOOT_REQUIRES(turn_) {
+        std::function<void()> block;
         {
             MutexLock lock(mutex_);
             if (blocks_.empty()) return false;
+            block = std::move(blocks_.front());
+            blocks_.pop_front();
         }
-        runNextBlock(); // still there: blocks are taken inside the turn only
+        block();
         return true;
     }
 

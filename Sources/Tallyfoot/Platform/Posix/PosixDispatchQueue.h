@@ -5,7 +5,8 @@
 namespace tallyfoot {
 
 // A turn that callers take on their own threads, and one thread, started by the first `async`, for
-// the blocks that run later. A `sync` finds its turn after the async blocks that wait already.
+// the blocks that run later. A `sync` finds its turn after the async blocks that wait already. Where
+// the system has no thread to give, the timers' thread stands in for it, or whoever comes next.
 class PosixDispatchQueue final : public DispatchQueue {
 public:
     explicit PosixDispatchQueue(std::string label);
