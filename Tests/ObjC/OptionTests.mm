@@ -7,6 +7,7 @@
 #include <objc/runtime.h>
 
 #include <atomic>
+#include <barrier>
 #include <string>
 #include <thread>
 #include <vector>
@@ -104,20 +105,15 @@ Class classWithoutOptions(int number) {
 TEST_F(ObjCOptions, GoWithTheirObjectsWhereTwoThreadsSetTheFirst) {
     std::vector<Class> classes;
     for (int number = 0; number < 20; ++number) classes.push_back(classWithoutOptions(number));
-    std::atomic<int> arrivals = 0;
+    std::barrier<> meeting(2);
     std::atomic<int> left = 0;
     const auto work = [&] {
-        int meetings = 0;
-        const auto meet = [&] {
-            ++arrivals;
-            for (++meetings; arrivals < 2 * meetings;) std::this_thread::yield();
-        };
         for (Class one : classes) {
             id const object = [[one alloc] init];
-            meet();
+            meeting.arrive_and_wait();
             setAssociatedValue(object, CustomOptions::logEnabledKey(), false);
             [object release];
-            meet(); // neither sets another one until both have looked
+            meeting.arrive_and_wait(); // neither sets another one until both have looked
             if (associatedValue(object, CustomOptions::logEnabledKey()) != AssociatedValue()) ++left;
         }
     };
