@@ -1,3 +1,4 @@
+#include "RelayFileManager.h"
 #include "StorageFixture.h"
 
 #include <sys/wait.h>
@@ -5,12 +6,15 @@
 
 #include <csignal>
 #include <functional>
+#include <utility>
 
 namespace tallyfoot::testing {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 constexpr auto ownName = "07-03-2024T14-05-09-123.log";
 
@@ -98,6 +102,90 @@ TEST_F(SharingTest, WhatADeadProcessWroteIsClosedByTheNextOne) {
     neighbour.kill();
     handler->close();
     EXPECT_EQ(bytes(Folder::upload, ownName), "theirsjsonsplit");
+}
+
+// On its disk others do something in the middle of one call.
+class BusyDisk final : public RelayFileManager {
+public:
+    using RelayFileManager::RelayFileManager;
+
+    bool fileExists(const std::string& path) const override {
+        const bool exists = RelayFileManager::fileExists(path);
+        if (path == watched) run(afterLook);
+        return exists;
+    }
+    Result<void> writeAtomically(const std::string& path, std::string_view bytes) override {
+        if (path == watched) run(beforeMaking);
+        return RelayFileManager::writeAtomically(path, bytes);
+    }
+    Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) override {
+        if (path == watched) run(beforeOpening);
+        auto handle = RelayFileManager::fileHandleForWriting(path);
+        if (path == watched) run(afterOpening);
+        return handle;
+    }
+
+    std::string watched;
+    mutable std::function<void()> afterLook;
+    std::function<void()> beforeMaking;
+    std::function<void()> beforeOpening;
+    std::function<void()> afterOpening;
+
+private:
+    static void run(std::function<void()>& once) {
+        if (const auto work = std::exchange(once, {})) work();
+    }
+};
+
+class BusySharingTest : public SharingTest {
+protected:
+    BusySharingTest() {
+        handler->close();
+        name = *handler->currentLogFileName();
+        disk.watched = path(Folder::events, name);
+    }
+
+    void closeTheirs() { EXPECT_TRUE(makeAppFolder()->move(name, Folder::events, Folder::upload)); }
+
+    void expectOursIsWritten() {
+        console.clear();
+        handler->write("oursjsonsplit");
+        EXPECT_EQ(bytes(Folder::events, *handler->currentLogFileName()), "oursjsonsplit");
+        EXPECT_THAT(console.lines(), Each(StartsWith("\"File created at path: ")));
+        EXPECT_EQ(bytes(Folder::upload, name), "theirsjsonsplit");
+    }
+
+    BusyDisk disk{fileManager};
+    std::unique_ptr<FileHandler> handler = makeFileHandler(disk);
+    std::string name; // of the file that the next record makes
+};
+
+TEST_F(BusySharingTest, AFileThatAnotherProcessMadeFirstAndClosedAtOnceCostsNoRecord) {
+    disk.beforeMaking = [this] {
+        put(Folder::events, name, "theirsjsonsplit");
+        disk.afterLook = [this] { closeTheirs(); };
+    };
+    expectOursIsWritten();
+}
+
+TEST_F(BusySharingTest, AFileThatAThirdProcessMadeAfterTheOtherClosedItsOwnCostsNoRecord) {
+    disk.beforeOpening = [this] {
+        put(Folder::events, name, "theirsjsonsplit");
+        closeTheirs();
+        disk.afterOpening = [this] { put(Folder::events, name, ""); };
+    };
+    expectOursIsWritten();
+}
+
+TEST_F(BusySharingTest, AFileThatAThirdProcessMadeWhereALeftoverWasIsNotMoved) {
+    put(Folder::events, name, "theirsjsonsplit");
+    disk.afterOpening = [this] {
+        closeTheirs();
+        put(Folder::events, name, "beingwrittenjsonsplit");
+    };
+    const auto other = makeFileHandler(disk, false);
+    EXPECT_EQ(bytes(Folder::events, name), "beingwrittenjsonsplit");
+    EXPECT_EQ(bytes(Folder::upload, name), "theirsjsonsplit");
 }
 
 TEST_F(SharingTest, OneProcessAtATimeHasTheClosedFiles) {

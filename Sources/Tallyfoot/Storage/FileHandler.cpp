@@ -71,14 +71,19 @@ bool FileHandler::ensureCurrentFileExists() {
     if (isClosed(*currentLogFileName_)) currentLogFileName_ = names_.next(".log");
     const auto path = currentFilePath();
     trim();
-    auto created = fileManager.writeAtomically(path, {});
-    if (!created && !fileManager.fileExists(path)) {
-        appFolder_->createFolders(); // somebody took them away, or has just closed a file of this name
+    Result<void> created;
+    const auto make = [&] {
         created = fileManager.writeAtomically(path, {});
+        // A process that was quicker may even have closed it by now.
+        return created || fileManager.fileExists(path) || isClosed(*currentLogFileName_);
+    };
+    bool isThere = make();
+    if (!isThere) {
+        appFolder_->createFolders(); // somebody took them away
+        isThere = make();
     }
-    if (!created && fileManager.fileExists(path)) return true; // another process has just made it
-    print(created ? "File created at path: " : "Filed to create log file at: ", path);
-    return static_cast<bool>(created);
+    if (created || !isThere) print(created ? "File created at path: " : "Filed to create log file at: ", path);
+    return isThere;
 }
 
 void FileHandler::write(std::string_view record) {
@@ -93,14 +98,14 @@ bool FileHandler::isClosed(const std::string& name) const {
 }
 
 bool FileHandler::openCurrentFile() {
-    constexpr int attempts = 8;
+    constexpr int attempts = 16; // each may lose a name to one more process
+    Error failure{"the log file keeps changing"};
     for (int count = 0; count < attempts; ++count) {
         if (!ensureCurrentFileExists()) return false; // which said so
         const auto opened = recordFile_.open(currentFilePath());
-        if (!opened) {
-            if (!collaborators_.fileManager.fileExists(currentFilePath())) continue; // another process's, and closed
-            report(opened.error());
-            return false;
+        if (!opened) { // once more: another process may have closed it, and a third one made the next
+            failure = opened.error();
+            continue;
         }
         if (opened.value() == RecordFile::Opened::anothers) {
             currentLogFileName_ = names_.next(".log");
@@ -118,16 +123,17 @@ bool FileHandler::openCurrentFile() {
         }
         recordFile_.close();
     }
-    report({"the log file keeps changing"});
+    report(failure);
     return false;
 }
 
 // Opens the file for the sake of the repair, if this run has not written to it. Who moves a file closes it
-// afterwards, so that no other process begins to write to it in between.
+// afterwards, so that no other process begins to write to it in between. One that another process closed before
+// it was ours is gone; what has its path by now may be a third one's.
 bool FileHandler::mayBeMoved(RecordFile& file, const std::string& path) {
     if (file.isOpen()) return true;
     const auto opened = file.open(path);
-    return !opened || opened.value() == RecordFile::Opened::ours;
+    return !opened || (opened.value() == RecordFile::Opened::ours && file.isInPlace());
 }
 
 float FileHandler::append(std::string_view record) {
