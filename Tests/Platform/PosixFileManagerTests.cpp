@@ -159,6 +159,20 @@ TEST(PosixFileHandle, TakesNoWatchWhileItsFolderMayNotBeEntered) {
     }));
 }
 
+TEST(PosixFileHandle, FilesThatAreOpenedAgainAndAgainTakeFewWatches) {
+    TemporaryFolder folder;
+    writeFile(folder / "a", "");
+    PosixFileManager files;
+    std::ptrdiff_t most = 0;
+    for (int time = 0; time < 300; ++time) {
+        auto handle = files.fileHandleForWriting(folder / "a");
+        ASSERT_TRUE(handle && handle.value()->isInPlace());
+        most = std::max(most, watches());
+    }
+    EXPECT_LE(most, 5);
+    EXPECT_GE(most, 1);
+}
+
 TEST(PosixFileManager, AWriteThatDoesNotFitKeepsTheOldFileAndLeavesNothingBeside) {
     TemporaryFolder folder;
     writeFile(folder / "a", "old");

@@ -6,6 +6,7 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -18,6 +19,23 @@ namespace {
 // A removed name shows in the attributes of what it named, because the count of names is one of them.
 constexpr std::uint32_t nameChanges = IN_ATTRIB | IN_MOVE_SELF;
 
+// How many watches are ending at this moment. Where a file is opened for each record, as on a full disk, there
+// would soon be all that a user may have; the user's other programs need theirs.
+std::atomic<int> endingCount = 0;
+constexpr int mostEnding = 4;
+
+struct Ending {
+    explicit Ending(FileDescriptor watch) : events(std::move(watch)) { ++endingCount; }
+    ~Ending() {
+        { const auto closed = std::move(events); }
+        --endingCount;
+    }
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+
+    FileDescriptor events;
+};
+
 bool isLink(const std::string& path) {
     struct stat status {};
     return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
@@ -25,7 +43,8 @@ bool isLink(const std::string& path) {
 
 } // namespace
 
-FileWatch::FileWatch(int file, const std::string& path) : events_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+FileWatch::FileWatch(int file, const std::string& path) {
+    if (endingCount < mostEnding) events_ = FileDescriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     if (!events_) return;
     const auto watch = [&](const std::string& what, std::uint32_t changes) {
         return ::inotify_add_watch(events_.number(), what.c_str(), changes) >= 0;
@@ -49,8 +68,8 @@ FileWatch::~FileWatch() {
     // The close waits for the system's processors to let go of the watches, often for ten milliseconds
     // and more. Whoever ends a log file holds the turn that log calls are waiting for.
     try {
-        auto events = std::make_shared<FileDescriptor>(std::move(events_));
-        (void)startDetachedThread("FileWatch", [events = std::move(events)]() mutable { events.reset(); });
+        auto ending = std::make_shared<Ending>(std::move(events_));
+        (void)startDetachedThread("FileWatch", [ending = std::move(ending)]() mutable { ending.reset(); });
     } catch (const std::exception&) { // no memory for a thread: closed already
     }
 }

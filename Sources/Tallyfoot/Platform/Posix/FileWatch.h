@@ -12,7 +12,8 @@ namespace tallyfoot {
 // and so is a link that another one leads to.
 class FileWatch {
 public:
-    // Without a watch, where the system has none to give, nothing is ever quiet.
+    // Without a watch, where the system has none to give or several of this process are still ending, nothing is
+    // ever quiet.
     FileWatch(int file, const std::string& path);
     ~FileWatch(); // at once, though the system takes its time to end a watch
     FileWatch(const FileWatch&) = delete;
