@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
 #include <functional>
 #include <utility>
+#include <vector>
 
 namespace tallyfoot::testing {
 namespace {
@@ -15,6 +17,8 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
+
+namespace fs = std::filesystem;
 
 constexpr auto ownName = "07-03-2024T14-05-09-123.log";
 
@@ -125,7 +129,13 @@ public:
         return handle;
     }
 
+    Result<void> moveItem(const std::string& source, const std::string& destination) override {
+        if (beforeMovingTo) beforeMovingTo(destination);
+        return RelayFileManager::moveItem(source, destination);
+    }
+
     std::string watched;
+    std::function<void(const std::string&)> beforeMovingTo;
     mutable std::function<void()> afterLook;
     std::function<void()> beforeMaking;
     std::function<void()> beforeOpening;
@@ -186,6 +196,55 @@ TEST_F(BusySharingTest, AFileThatAThirdProcessMadeWhereALeftoverWasIsNotMoved) {
     const auto other = makeFileHandler(disk, false);
     EXPECT_EQ(bytes(Folder::events, name), "beingwrittenjsonsplit");
     EXPECT_EQ(bytes(Folder::upload, name), "theirsjsonsplit");
+}
+
+// Another process that had the name in mind for its next record.
+bool couldBeWrittenTo(const std::string& path) {
+    const auto child = ::fork();
+    if (child == 0) {
+        PosixFileManager theirs;
+        if (!theirs.fileExists(path)) (void)theirs.writeAtomically(path, {});
+        auto handle = theirs.fileHandleForWriting(path);
+        ::_exit(handle && handle.value()->lock() ? 1 : 0);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    return status != 0;
+}
+
+TEST_F(BusySharingTest, NobodyBeginsToWriteUnderTheNameThatAFileIsRestoredUnder) {
+    put(Folder::upload, "a.log", "closed");
+    const auto archive = putArchive("a.zip", {{"a.log", "1"}, {"b.log", "2"}});
+    std::vector<bool> openings;
+    disk.beforeMovingTo = [&](const std::string& destination) {
+        if (destination.starts_with(path(Folder::upload)))
+            openings.push_back(couldBeWrittenTo(path(Folder::events, fs::path(destination).filename())));
+    };
+    const auto before = names(Folder::events);
+    handler->restore(archive, {}, directly);
+    EXPECT_THAT(openings, ElementsAre(false, false));
+    EXPECT_EQ(names(Folder::events), before);
+}
+
+TEST_F(BusySharingTest, NobodyBeginsToWriteUnderTheNewNameThatALeftoverGets) {
+    put(Folder::events, "a.log", "theirsjsonsplit");
+    put(Folder::upload, "a.log", "closed");
+    std::vector<bool> openings;
+    disk.beforeMovingTo = [&](const std::string& destination) {
+        if (destination.starts_with(path(Folder::upload)))
+            openings.push_back(couldBeWrittenTo(path(Folder::events, fs::path(destination).filename())));
+    };
+    (void)makeFileHandler(disk, false);
+    EXPECT_THAT(openings, ElementsAre(false));
+    EXPECT_THAT(names(Folder::events), IsEmpty());
+}
+
+TEST_F(BusySharingTest, AFileIsRestoredAlsoWhereNoNameCanBeHeld) {
+    const auto archive = putArchive("a.zip", {{"a.log", "1"}});
+    fs::remove_all(path(Folder::events));
+    writeFile(path(Folder::events), "in the way");
+    handler->restore(archive, {}, directly);
+    EXPECT_EQ(bytes(Folder::upload, "a.log"), "1");
 }
 
 TEST_F(SharingTest, OneProcessAtATimeHasTheClosedFiles) {

@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Storage/Archive.h"
 #include "Tallyfoot/Storage/ArchiveClaim.h"
+#include "Tallyfoot/Storage/HeldName.h"
 #include "Tallyfoot/Storage/PathNames.h"
 
 #include <algorithm>
@@ -14,11 +15,6 @@ namespace {
 
 bool isSame(const FileAttributes& left, const FileAttributes& right) noexcept {
     return left.size == right.size && left.creationDate == right.creationDate;
-}
-
-std::string_view extension(std::string_view name) noexcept {
-    const auto dot = name.rfind('.');
-    return dot == name.npos ? std::string_view() : name.substr(dot);
 }
 
 } // namespace
@@ -92,10 +88,9 @@ bool ArchiveRestorer::isTwinThere(const std::string& name, const Entry& entry) c
 Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, const WorkFiles& work) {
     // What was delivered never comes into sight.
     if (entry.isDelivered || isTwinThere(name, entry)) return {};
-    auto path = appFolder_.path(Folder::upload, name);
-    // Nor may it lie where the file of that name that is being written will move to.
-    if (fileManager_.fileExists(path) || fileManager_.fileExists(appFolder_.path(Folder::events, name)))
-        path = appFolder_.path(Folder::upload, names_.next(extension(name)));
+    // Nor may it lie where a file of that name that is being written will move to.
+    const HeldName held(fileManager_, appFolder_, names_, name);
+    auto path = appFolder_.path(Folder::upload, held.name());
     auto moved = fileManager_.moveItem(work.entryPath(name), path);
     if (moved) entry.restoredPath = std::move(path);
     return moved;

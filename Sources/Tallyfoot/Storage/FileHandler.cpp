@@ -2,6 +2,7 @@
 
 #include "Tallyfoot/Platform/FatalError.h"
 #include "Tallyfoot/Storage/ArchiveRestorer.h"
+#include "Tallyfoot/Storage/HeldName.h"
 #include "Tallyfoot/Storage/LogPacker.h"
 #include "Tallyfoot/Storage/PathNames.h"
 #include "Tallyfoot/Storage/WorkFiles.h"
@@ -98,7 +99,7 @@ bool FileHandler::isClosed(const std::string& name) const {
 }
 
 bool FileHandler::openCurrentFile() {
-    constexpr int attempts = 16; // each may lose a name to one more process
+    constexpr int attempts = 64; // each may lose a name to one more process
     Error failure{"the log file keeps changing"};
     for (int count = 0; count < attempts; ++count) {
         if (!ensureCurrentFileExists()) return false; // which said so
@@ -165,9 +166,10 @@ void FileHandler::moveLeftovers() {
         const auto path = appFolder_->path(Folder::events, item.name);
         RecordFile leftover(fileManager);
         if (!mayBeMoved(leftover, path)) continue;
-        auto destination = appFolder_->path(Folder::upload, item.name);
-        if (fileManager.fileExists(destination)) // nothing of it is to be replaced
-            destination = appFolder_->path(Folder::upload, names_.next(".log"));
+        // Its name is free, or it has another one: nothing is to be replaced.
+        std::optional<HeldName> held;
+        if (isClosed(item.name)) held.emplace(fileManager, *appFolder_, names_, names_.next(".log"));
+        const auto destination = appFolder_->path(Folder::upload, held ? held->name() : item.name);
         if (const auto moved = fileManager.moveItem(path, destination); !moved)
             collaborators_.console.print({"Failed to move a file: ", moved.error().description});
     }
