@@ -3,6 +3,7 @@
 #include "Tallyfoot/Facade/Configuration/Environment.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <filesystem>
 #include <thread>
@@ -191,6 +192,16 @@ TEST_F(EnvironmentTest, OtherEntriesOfAnyTypeDoNoHarm) {
     bundle.addEnvironment("Shop", "<key>n</key><integer>1</integer><key>when</key><date>2024-05-01T08:00:00Z</date>"
                                       + bases(base("dev", "dev.example")));
     environment.setEndpoint(Endpoint::dev);
+    EXPECT_EQ(environment.uploadPath(), composed("dev.example"));
+}
+
+TEST_F(EnvironmentTest, AThreadThatIsCancelledCompletesItsChange) {
+    bundle.addEnvironment("Shop", bases(base("dev", "dev.example")));
+    std::thread([this] {
+        ::pthread_cancel(::pthread_self()); // heard where the thread may wait next
+        environment.setEndpoint(Endpoint::dev);
+        ::pthread_testcancel();
+    }).join();
     EXPECT_EQ(environment.uploadPath(), composed("dev.example"));
 }
 

@@ -1,6 +1,7 @@
 #include "Tallyfoot/Facade/Configuration/Environment.h"
 
 #include "Tallyfoot/Platform/Bundle.h"
+#include "Tallyfoot/Platform/CancellationHold.h"
 #include "Tallyfoot/Platform/Exclusive.h"
 #include "Tallyfoot/Platform/PlatformServices.h"
 #include "Tallyfoot/Platform/PropertyLists.h"
@@ -56,6 +57,7 @@ struct Environment::State {
     Exclusive<Fields> fields;
 
     void update() {
+        const CancellationHold hold; // an open file lets no cancellation through
         const auto file = environmentFile(*bundles);
         if (!file) return;
         auto dictionary = propertyLists->dictionary(*file);
