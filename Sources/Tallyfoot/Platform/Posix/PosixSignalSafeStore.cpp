@@ -112,6 +112,12 @@ constexpr std::string_view hiddenHead = ".value.";
 constexpr std::size_t digitsOfHidden = 10;
 constexpr std::string_view hiddenTail = ".new";
 
+// Its writer's number is yet to come.
+std::string hiddenIn(const std::string& folder) {
+    auto path = folder + "/";
+    return path.append(hiddenHead).append(digitsOfHidden, '0').append(hiddenTail);
+}
+
 std::optional<pid_t> writerOf(std::string_view name) {
     if (name.size() != hiddenHead.size() + digitsOfHidden + hiddenTail.size()) return std::nullopt;
     if (!name.starts_with(hiddenHead) || !name.ends_with(hiddenTail)) return std::nullopt;
@@ -125,9 +131,10 @@ std::optional<pid_t> writerOf(std::string_view name) {
 void removeLeftovers(const std::string& folder) {
     const auto names = PosixFileManager().contentsOfDirectory(folder);
     if (!names) return;
+    const auto place = folder + "/";
     for (const auto& name : names.value())
         if (const auto writer = writerOf(name); writer && ::kill(*writer, 0) != 0 && errno == ESRCH)
-            (void)::unlink((folder + "/" + name).c_str());
+            (void)::unlink((place + name).c_str());
 }
 
 // The folder and all that it lies in, outermost first.
@@ -143,10 +150,8 @@ std::vector<std::string> wayTo(const std::string& folder) {
 
 PosixSignalSafeStore::PosixSignalSafeStore(const std::string& folder, std::string path, std::string key,
                                            const std::atomic<NumberTable*>& numbers)
-    : folders_(wayTo(folder)),
-      hidden_(folder + "/" + std::string(hiddenHead) + std::string(digitsOfHidden, '0') + std::string(hiddenTail)),
-      path_(std::move(path)), key_(std::move(key)), numbers_(numbers),
-      spare_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {
+    : folders_(wayTo(folder)), hidden_(hiddenIn(folder)), path_(std::move(path)), key_(std::move(key)),
+      numbers_(numbers), spare_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {
     removeLeftovers(folder);
 }
 
