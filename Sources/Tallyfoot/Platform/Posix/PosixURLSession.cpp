@@ -111,6 +111,7 @@ private:
             return std::exchange(shared.waiting, {});
         });
         std::vector<Finished> failed;
+        failed.reserve(tasks.size());
         for (auto& task : tasks)
             failed.push_back({std::move(task.completion), Error{"The system has no means left to send anything"}});
         deliver(std::move(failed));
