@@ -15,6 +15,7 @@
 #include <chrono>
 #include <functional>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -46,8 +47,18 @@ public:
         return RelayFileManager::removeItem(path);
     }
 
+    Result<std::string> contents(const std::string& path) const override {
+        if (hasNoMemory) throw std::bad_alloc();
+        return RelayFileManager::contents(path);
+    }
+    Result<void> writeAtomically(const std::string& path, std::string_view bytes) override {
+        if (hasNoMemory) throw std::bad_alloc();
+        return RelayFileManager::writeAtomically(path, bytes);
+    }
+
     bool cannotList = false;
     bool cannotChange = false;
+    bool hasNoMemory = false;
 };
 
 // Counts the writes that no synchronise has followed yet.
@@ -574,6 +585,37 @@ TEST(EventRecorder, AnArchiveThatCannotBeSentAtAllIsRestoredForTheNextTrigger) {
     host.start();
     host.trigger();
     EXPECT_THAT(sentEvents(host.server->requests().at(0)), ElementsAre("1"));
+}
+
+TEST(EventRecorder, AnUploadThatMemoryRunsOutForEndsNothingAndIsSentAfterTheNextStart) {
+    RecorderHost host;
+    const auto disk = std::make_shared<ShakyDisk>();
+    host.services.fileManager = disk;
+    host.start();
+    host.log();
+    disk->hasNoMemory = true;
+    EXPECT_NO_THROW(host.trigger());
+    disk->hasNoMemory = false;
+    EXPECT_THAT(host.server->requests(), IsEmpty());
+    host.stop();
+    host.start();
+    host.trigger();
+    EXPECT_THAT(sentEvents(host.server->requests().at(0)), ElementsAre("1"));
+}
+
+TEST(EventRecorder, AnAnswerThatMemoryRunsOutForHasTheArchiveSentAgain) {
+    RecorderHost host;
+    const auto disk = std::make_shared<ShakyDisk>();
+    host.services.fileManager = disk;
+    host.start();
+    host.log();
+    host.trigger();
+    disk->hasNoMemory = true;
+    EXPECT_NO_THROW(host.server->answer(Error{"no connection"}));
+    disk->hasNoMemory = false;
+    host.trigger();
+    ASSERT_THAT(host.server->requests(), SizeIs(2));
+    EXPECT_THAT(sentEvents(host.server->requests()[1]), ElementsAre("1"));
 }
 
 TEST(EventRecorder, AChangedUserLeavesTheLogsOfOtherApplications) {

@@ -24,6 +24,16 @@ using namespace std::string_view_literals;
 // The service's words for "who are you?".
 constexpr std::array authenticationRejections{"10000003"sv, "10000008"sv, "10000002"sv};
 
+// On a thread of the library's own nobody would catch what is thrown, and the process would end. What memory
+// runs out for stays on disk and is sent later.
+template <class Block>
+void guarded(Block&& block) noexcept {
+    try {
+        std::forward<Block>(block)();
+    } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
+    }
+}
+
 std::string describe(const UploadManager::Parameters& parameters) {
     if (parameters.empty()) return "[:]";
     std::string description;
@@ -100,7 +110,7 @@ void EventRecorder::setUp(const std::shared_ptr<ApplicationInfo>& appInfo) {
     frequencyMonitor_->start();
 
     const auto trigger = [weakSelf = weak_from_this()] {
-        if (const auto self = weakSelf.lock()) self->triggerUpload();
+        if (const auto self = weakSelf.lock()) guarded([&] { self->triggerUpload(); });
     };
     frequencyMonitor_->setTriggerUpload(trigger); // a period that is over already triggers at once
     fileHandler_->setTriggerUpload(trigger);
@@ -154,8 +164,9 @@ void EventRecorder::triggerUpload() {
 }
 
 void EventRecorder::submitUpload(std::shared_ptr<FileHandler> fileHandler) {
-    uploadQueue_->async(
-        [self = shared_from_this(), fileHandler = std::move(fileHandler)] { self->upload(fileHandler); });
+    uploadQueue_->async([self = shared_from_this(), fileHandler = std::move(fileHandler)] {
+        guarded([&] { self->upload(fileHandler); });
+    });
 }
 
 void EventRecorder::upload(const std::shared_ptr<FileHandler>& fileHandler) {
@@ -237,7 +248,7 @@ void EventRecorder::printSummary(const UploadManager::Parameters& parameters) co
 
 void EventRecorder::completeUpload(FileHandler& fileHandler, const std::string& archivePath,
                                    const UploadManager::Outcome& outcome) {
-    applyOutcome(fileHandler, archivePath, outcome);
+    guarded([&] { applyOutcome(fileHandler, archivePath, outcome); });
     claimedArchives_.modify([&](auto& claimed) { claimed.erase(archivePath); });
 }
 
