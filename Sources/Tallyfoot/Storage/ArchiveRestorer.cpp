@@ -2,7 +2,6 @@
 
 #include "Tallyfoot/Storage/Archive.h"
 #include "Tallyfoot/Storage/ArchiveClaim.h"
-#include "Tallyfoot/Storage/HeldName.h"
 #include "Tallyfoot/Storage/PathNames.h"
 
 #include <algorithm>
@@ -36,18 +35,20 @@ void ArchiveRestorer::restore(const std::string& archivePath, const std::vector<
         if (const auto entry = entries.find(name); entry != entries.end()) entry->second.isDelivered = true;
     }
 
+    NameHolder holder(fileManager_, appFolder_, names_, work.placeholderPath());
     auto next = entries.begin();
     for (bool isDone = false; !isDone;) {
         turn([&] {
             // Deleted meanwhile, with all logs: the user has changed.
             isDone = !fileManager_.fileExists(archivePath);
             for (int count = 0; count < filesPerTurn && next != entries.end() && !isDone; ++count, ++next) {
-                const auto done = putInPlace(next->first, next->second, work);
+                const auto done = putInPlace(next->first, next->second, work, holder);
                 if (done) continue;
                 takeBack(entries);
                 report(done.error());
                 isDone = true;
             }
+            holder.release();
             if (isDone || next != entries.end()) return;
             finish(archivePath, delivered, entries, work);
             isDone = true;
@@ -85,12 +86,12 @@ bool ArchiveRestorer::isTwinThere(const std::string& name, const Entry& entry) c
     return there && isSame(there.value(), *entry.twin);
 }
 
-Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, const WorkFiles& work) {
+Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, const WorkFiles& work,
+                                         NameHolder& holder) {
     // What was delivered never comes into sight.
     if (entry.isDelivered || isTwinThere(name, entry)) return {};
     // Nor may it lie where a file of that name that is being written will move to.
-    const HeldName held(fileManager_, appFolder_, names_, name);
-    auto path = appFolder_.path(Folder::upload, held.name());
+    auto path = appFolder_.path(Folder::upload, holder.hold(name));
     auto moved = fileManager_.moveItem(work.entryPath(name), path);
     if (moved) entry.restoredPath = std::move(path);
     return moved;

@@ -4,6 +4,7 @@
 #include "Tallyfoot/Platform/FileManager.h"
 #include "Tallyfoot/Storage/AppFolder.h"
 #include "Tallyfoot/Storage/DatedNames.h"
+#include "Tallyfoot/Storage/NameHolder.h"
 #include "Tallyfoot/Storage/Turn.h"
 #include "Tallyfoot/Storage/WorkFiles.h"
 
@@ -47,7 +48,7 @@ private:
     Result<Entries> unpack(const std::string& archivePath, WorkFiles& work) const;
     std::optional<FileAttributes> twin(const std::string& name, const WorkFiles& work) const;
     bool isTwinThere(const std::string& name, const Entry& entry) const;
-    Result<void> putInPlace(const std::string& name, Entry& entry, const WorkFiles& work);
+    Result<void> putInPlace(const std::string& name, Entry& entry, const WorkFiles& work, NameHolder& holder);
     void takeBack(const Entries& entries);
     void finish(const std::string& archivePath, const std::vector<std::string>& delivered, Entries& entries,
                 WorkFiles& work);

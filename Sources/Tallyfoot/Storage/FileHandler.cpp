@@ -2,8 +2,8 @@
 
 #include "Tallyfoot/Platform/FatalError.h"
 #include "Tallyfoot/Storage/ArchiveRestorer.h"
-#include "Tallyfoot/Storage/HeldName.h"
 #include "Tallyfoot/Storage/LogPacker.h"
+#include "Tallyfoot/Storage/NameHolder.h"
 #include "Tallyfoot/Storage/PathNames.h"
 #include "Tallyfoot/Storage/WorkFiles.h"
 
@@ -166,13 +166,18 @@ void FileHandler::moveLeftovers() {
         const auto path = appFolder_->path(Folder::events, item.name);
         RecordFile leftover(fileManager);
         if (!mayBeMoved(leftover, path)) continue;
-        // Its name is free, or it has another one: nothing is to be replaced.
-        std::optional<HeldName> held;
-        if (isClosed(item.name)) held.emplace(fileManager, *appFolder_, names_, names_.next(".log"));
-        const auto destination = appFolder_->path(Folder::upload, held ? held->name() : item.name);
-        if (const auto moved = fileManager.moveItem(path, destination); !moved)
-            collaborators_.console.print({"Failed to move a file: ", moved.error().description});
+        const auto moved = isClosed(item.name)
+                               ? moveUnderNewName(path)
+                               : fileManager.moveItem(path, appFolder_->path(Folder::upload, item.name));
+        if (!moved) collaborators_.console.print({"Failed to move a file: ", moved.error().description});
     }
+}
+
+Result<void> FileHandler::moveUnderNewName(const std::string& leftover) {
+    auto& fileManager = collaborators_.fileManager;
+    const WorkFiles work(fileManager, appFolder_->path(Folder::backup));
+    NameHolder holder(fileManager, *appFolder_, names_, work.placeholderPath());
+    return fileManager.moveItem(leftover, appFolder_->path(Folder::upload, holder.hold(names_.next(".log"))));
 }
 
 void FileHandler::trim() {

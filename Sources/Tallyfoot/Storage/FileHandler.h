@@ -86,6 +86,7 @@ private:
     static bool mayBeMoved(RecordFile& file, const std::string& path);
     float append(std::string_view record); // the file's size afterwards
     void moveLeftovers();
+    Result<void> moveUnderNewName(const std::string& leftover); // nothing is to be replaced
     void report(const Error& error) const;
     void print(std::string_view text, const std::string& path) const;
 

@@ -14,9 +14,10 @@ namespace tallyfoot {
 
 namespace {
 
-// ".work-7.archive.zip", ".work-7.entry.<name>", ".work-7.waste.<name>"
+// ".work-7.archive.zip", ".work-7.placeholder", ".work-7.entry.<name>", ".work-7.waste.<name>"
 constexpr std::string_view start = ".work-";
 constexpr std::string_view archive = "archive.zip";
+constexpr std::string_view placeholder = "placeholder";
 constexpr std::string_view entry = "entry.";
 constexpr std::string_view waste = "waste.";
 
@@ -70,6 +71,8 @@ WorkFiles::~WorkFiles() {
 }
 
 std::string WorkFiles::archivePath() const { return joined(backup_, prefix_, archive); }
+
+std::string WorkFiles::placeholderPath() const { return joined(backup_, prefix_, placeholder); }
 
 std::string WorkFiles::entryPath(std::string_view name) const { return joined(backup_, prefix_, entry, name); }
 

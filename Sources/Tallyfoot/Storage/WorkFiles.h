@@ -18,6 +18,7 @@ public:
     WorkFiles& operator=(const WorkFiles&) = delete;
 
     std::string archivePath() const;
+    std::string placeholderPath() const;
     std::string entryPath(std::string_view name) const;
     std::string discardedPath(std::string_view name) const;
 
