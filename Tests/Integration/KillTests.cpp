@@ -86,7 +86,9 @@ TEST(Processes, OfOneApplicationAtOnceLoseNothingOfEachOther) {
         first.tell("burst 2 400");
         HostProcess second(device, collector.url(), "Shop", run + "second"); // starts in the middle of the first's work
         second.tell("burst 2 400");
-        for (auto* host : {&first, &second}) {
+        HostProcess third(device, collector.url(), "Shop", run + "third");
+        third.tell("burst 2 400");
+        for (auto* host : {&first, &second, &third}) {
             host->awaitAcknowledgements(800);
             host->kill();
             acknowledged.insert(host->acknowledged().begin(), host->acknowledged().end());
