@@ -293,6 +293,19 @@ TEST_F(PosixURLSessionTest, WhatFollowsTheAnswerIsNoPartOfIt) {
     expectBody(host.fetch(post(server.url())), "next");
 }
 
+// libcurl must not take it for more of the last answer's headers, which are gone.
+TEST_F(PosixURLSessionTest, AnAnswerThatBeginsWithAFoldedHeaderLineFails) {
+    const std::string folded = "HTTP/1.1 200 OK\r\n Folded: line\r\nContent-Length: 2\r\n\r\n{}";
+    for (int task = 0; task < 10; ++task) {
+        server.script({folded, {}, {}, {}});
+        expectError(host.fetch(post(server.url())));
+        server.script({ScriptedServer::response("", "307 Temporary Redirect", "Location: /again\r\n"), {}, {}, {}});
+        server.script({folded, {}, {}, {}});
+        expectError(host.fetch(post(server.url())));
+        expectBody(host.fetch(post(server.url())), "{}");
+    }
+}
+
 TEST_F(PosixURLSessionTest, AnswersInBetweenArePassedOver) {
     server.script({"HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early Hints\r\nLink: </a>\r\n\r\n"
                        + ScriptedServer::response("final"),

@@ -42,13 +42,14 @@ curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) noexcept {
 
 } // namespace
 
-CurlTransfer::CurlTransfer(CurlHandle handle, URLRequest request, DataTaskCompletion completion)
-    : handle_(std::move(handle)), request_(std::move(request)), completion_(std::move(completion)) {
+CurlTransfer::CurlTransfer(URLRequest request, DataTaskCompletion completion)
+    : request_(std::move(request)), completion_(std::move(completion)) {
     request_.timeout = std::min<std::chrono::seconds>(request_.timeout, longestSilence);
 }
 
 bool CurlTransfer::prepare(TimePoint now) {
     const auto address = httpAddress(request_.url);
+    handle_.reset(curl_easy_init());
     if (!handle_ || !address || breaksLine(request_.method)) return false;
     answer_.clear();
     error_[0] = '\0';
@@ -57,7 +58,6 @@ bool CurlTransfer::prepare(TimePoint now) {
     bodyOffset_ = 0;
     transferred_ = 0;
     lastActivity_ = now;
-    curl_easy_reset(handle());
     if (!setHeaders() || curl_easy_setopt(handle(), CURLOPT_URL, address->url.c_str()) != CURLE_OK) return false;
     if (address->isLoopback()) curl_easy_setopt(handle(), CURLOPT_PROXY, "");
     setOptions();
@@ -211,12 +211,8 @@ Result<std::string> CurlTransfer::timedOut() const {
 
 Result<std::string> CurlTransfer::notSent() const { return Error{"The request cannot be sent"}; }
 
-CurlHandle CurlTransfer::releaseHandle() {
-    curl_easy_reset(handle()); // before the memory that its options point to
-    return std::move(handle_);
-}
-
 DataTaskCompletion CurlTransfer::releaseCompletion() {
+    handle_.reset();
     request_ = {};
     return std::move(completion_);
 }

@@ -10,7 +10,9 @@
 
 namespace tallyfoot {
 
-// One request on one libcurl handle, from its options to its answer. Belongs to the session's thread.
+// One request, from its options to its answer. Belongs to the session's thread. Each sending has a
+// libcurl handle of its own: with one that is used anew, libcurl 7.88 takes an answer that begins with a
+// folded header line for more of a header that it has freed. Connections are the session's, and kept.
 //
 // Where it goes: to the request's own scheme, host and port, and nowhere else. 307 and 308 are
 // followed there, body and headers included, five times at the most; any other redirect is the
@@ -24,13 +26,13 @@ public:
 
     using TimePoint = std::chrono::steady_clock::time_point;
 
-    CurlTransfer(CurlHandle handle, URLRequest request, DataTaskCompletion completion);
+    CurlTransfer(URLRequest request, DataTaskCompletion completion);
     CurlTransfer(const CurlTransfer&) = delete;
     CurlTransfer& operator=(const CurlTransfer&) = delete;
 
     CURL* handle() const noexcept { return handle_.get(); }
 
-    // Sets the handle up, anew after a redirect. False for a request that cannot be sent.
+    // Makes the handle, another one after a redirect. False for a request that cannot be sent.
     bool prepare(TimePoint now);
 
     // The time at which the peer's silence has lasted too long, as of what was sent and received by now.
@@ -44,8 +46,7 @@ public:
     Result<std::string> timedOut() const;
     Result<std::string> notSent() const;
 
-    // The handle for the next request, and the completion. The request's body is gone afterwards.
-    CurlHandle releaseHandle();
+    // The handle and the request's body are gone afterwards.
     DataTaskCompletion releaseCompletion();
 
 private:
@@ -56,7 +57,6 @@ private:
     void setOptions();
     bool setHeaders();
 
-    CurlHandle handle_;
     URLRequest request_;
     DataTaskCompletion completion_;
     CurlList headers_;
@@ -68,6 +68,7 @@ private:
     int redirects_ = 0;
     curl_off_t transferred_ = 0;
     TimePoint lastActivity_;
+    CurlHandle handle_; // the last one: it goes before what its options point to
 };
 
 } // namespace tallyfoot

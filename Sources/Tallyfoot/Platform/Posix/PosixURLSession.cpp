@@ -151,7 +151,6 @@ private:
             dropped.push_back(transfer->releaseCompletion());
         }
         active_.clear();
-        idle_.clear();
         shared_.modify([](Shared& shared) { shared.multi = nullptr; });
         multi_.reset();
     }
@@ -172,8 +171,7 @@ private:
         while (active_.size() < maximumActive) {
             auto task = nextTask();
             if (!task) return;
-            auto transfer =
-                std::make_unique<CurlTransfer>(freeHandle(), std::move(task->request), std::move(task->completion));
+            auto transfer = std::make_unique<CurlTransfer>(std::move(task->request), std::move(task->completion));
             if (start(*transfer, now))
                 active_.push_back(std::move(transfer));
             else
@@ -188,13 +186,6 @@ private:
             shared.waiting.pop_front();
             return task;
         });
-    }
-
-    CurlHandle freeHandle() {
-        if (idle_.empty()) return CurlHandle(curl_easy_init());
-        auto handle = std::move(idle_.back());
-        idle_.pop_back();
-        return handle;
     }
 
     bool start(CurlTransfer& transfer, Clock::time_point now) {
@@ -237,7 +228,6 @@ private:
     }
 
     void finish(CurlTransfer& transfer, Result<std::string> outcome, std::vector<Finished>& finished) {
-        if (transfer.handle() != nullptr) idle_.push_back(transfer.releaseHandle());
         finished.push_back({transfer.releaseCompletion(), std::move(outcome)});
     }
 
@@ -266,7 +256,6 @@ private:
     // The thread's own.
     CurlMulti multi_;
     std::vector<std::unique_ptr<CurlTransfer>> active_;
-    std::vector<CurlHandle> idle_;
 };
 
 PosixURLSession::PosixURLSession() : worker_(std::make_shared<Worker>()) { (void)setUpCurl(); }
