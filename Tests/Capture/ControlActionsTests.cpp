@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <cerrno>
+#include <thread>
 
 namespace tallyfoot::testing {
 namespace {
@@ -105,6 +107,25 @@ TEST_F(ControlActionsTest, RecordingLeavesErrnoAsItWas) {
     errno = EDOM;
     EXPECT_EQ(only(sender).label(), "Buy");
     EXPECT_EQ(errno, EDOM);
+}
+
+TEST_F(ControlActionsTest, AThreadThatIsCancelledEndsAfterTheActionIsRecordedAndDelivered) {
+    const auto sender = button("Buy");
+    host_.runtime.answerWith(sender, "currentTitle", [](const auto&) {
+        ::pthread_testcancel();
+        return MemoryRuntime::Value(std::string("Buy"));
+    });
+    int steps = 0;
+    std::thread([&] {
+        ::pthread_cancel(::pthread_self()); // heard where the thread may wait next
+        send(sender);
+        ++steps;
+        ::pthread_testcancel();
+        ++steps;
+    }).join();
+    EXPECT_EQ(steps, 1);
+    EXPECT_THAT(host_.journal, ElementsAre("sendAction"));
+    EXPECT_THAT(host_.events, SizeIs(1));
 }
 
 TEST_F(ControlActionsTest, AButtonIsCalledByItsNameElseItsTitleElseNothing) {

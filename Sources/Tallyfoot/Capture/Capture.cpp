@@ -9,6 +9,7 @@
 #include "Tallyfoot/Capture/PlatformObject.h"
 #include "Tallyfoot/Capture/ScreenTracking.h"
 #include "Tallyfoot/Capture/Selections.h"
+#include "Tallyfoot/Platform/CancellationHold.h"
 
 #include <atomic>
 #include <cerrno>
@@ -18,10 +19,12 @@ namespace tallyfoot {
 
 namespace {
 
-// What goes wrong while an interaction is looked at costs its event, never the interaction. errno stays as it was.
+// What goes wrong while an interaction is looked at costs its event, never the interaction. errno stays as it was,
+// and a thread that is cancelled goes on until it is done.
 template <class Block>
 void quietly(Block&& block) noexcept {
     const int kept = errno;
+    const CancellationHold hold;
     try {
         std::forward<Block>(block)();
     } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
