@@ -9,12 +9,14 @@
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <signal.h>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
@@ -181,6 +183,19 @@ TEST(PosixFileManager, AWriteThatDoesNotFitKeepsTheOldFileAndLeavesNothingBeside
     EXPECT_FALSE(files.writeAtomically(folder / "a", std::string(101, 'x')));
     EXPECT_EQ(readFile(folder / "a"), "old");
     EXPECT_THAT(files.contentsOfDirectory(folder.path().string()).value(), UnorderedElementsAre("a"));
+}
+
+TEST(PosixFileManager, AnEmptyFileIsMadeUnderItsOwnNameSoThatAKillLeavesNothingBeside) {
+    TemporaryFolder folder;
+    const int events = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    ASSERT_GE(::inotify_add_watch(events, folder.path().c_str(), IN_CREATE | IN_MOVED_TO), 0);
+    EXPECT_TRUE(PosixFileManager().writeAtomically(folder / "a", {}));
+    alignas(inotify_event) std::array<char, 4096> buffer{};
+    const auto count = ::read(events, buffer.data(), buffer.size());
+    ::close(events);
+    const auto* event = reinterpret_cast<const inotify_event*>(buffer.data());
+    ASSERT_EQ(count, static_cast<ssize_t>(sizeof *event + event->len)); // one event
+    EXPECT_STREQ(event->name, "a");
 }
 
 TEST(PosixFileManager, ANamedPipeIsRefusedAndNotWaitedFor) {

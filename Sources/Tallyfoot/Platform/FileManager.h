@@ -43,7 +43,8 @@ public:
     virtual Result<void> removeItem(const std::string& path) = 0; // a folder goes with everything in it
 
     virtual Result<std::string> contents(const std::string& path) const = 0;
-    // Written beside under a hidden name, then renamed: readers see nothing or the whole file. Replaces nothing.
+    // Written beside under a hidden name, then renamed, unless it is empty: readers see nothing or the whole file.
+    // Replaces nothing.
     virtual Result<void> writeAtomically(const std::string& path, std::string_view bytes) = 0;
     // Opens an existing file for appending; it is not created.
     virtual Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) = 0;

@@ -334,6 +334,10 @@ Result<std::string> PosixFileManager::contents(const std::string& path) const tr
 
 Result<void> PosixFileManager::writeAtomically(const std::string& path, std::string_view bytes) {
     if (!isPath(path)) return systemError("write", path, EINVAL);
+    if (bytes.empty()) { // whole as soon as it is there, and nothing beside it for a kill to leave
+        if (!openFile(path, O_WRONLY | O_CREAT | O_EXCL, fileMode)) return systemError("create", path, errno);
+        return {};
+    }
     std::string temporary;
     FileDescriptor file;
     do { // a name may be left over from a process that died with our number
