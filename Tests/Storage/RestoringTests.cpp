@@ -342,5 +342,16 @@ TEST_F(RestoringAtStartTest, AKillBetweenArchiveAndDeletionSendsNothingTwice) {
     EXPECT_THAT(names(Folder::backup), IsEmpty());
 }
 
+TEST_F(RestoringAtStartTest, TheEmptyFileThatAKilledRunHeldANameByGivesItBack) {
+    put(Folder::events, "a.log", ""); // killed before a.log was in place
+    put(Folder::events, "b.log", ""); // or right after b.log was
+    put(Folder::upload, "b.log", "2");
+    putArchive("a.zip", {{"a.log", "1"}, {"b.log", "2"}});
+    makeFileHandler(false);
+    EXPECT_THAT(names(Folder::upload), ElementsAre("a.log", "b.log"));
+    EXPECT_EQ(bytes(Folder::upload, "a.log"), "1");
+    EXPECT_THAT(names(Folder::events), IsEmpty());
+}
+
 } // namespace
 } // namespace tallyfoot::testing

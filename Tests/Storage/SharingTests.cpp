@@ -239,6 +239,19 @@ TEST_F(BusySharingTest, NobodyBeginsToWriteUnderTheNewNameThatALeftoverGets) {
     EXPECT_THAT(names(Folder::events), IsEmpty());
 }
 
+TEST_F(SharingTest, AnEmptyFileThatAnotherProcessIsAboutToWriteToIsNotTakenForAHeldName) {
+    put(Folder::events, "a.log", "");
+    std::unique_ptr<FileHandle> theirs;
+    const Neighbour neighbour([&] {
+        theirs = std::move(fileManager.fileHandleForWriting(path(Folder::events, "a.log")).value());
+        (void)theirs->lock();
+    });
+    putArchive("a.zip", {{"a.log", "1"}});
+    (void)makeFileHandler(false);
+    EXPECT_THAT(names(Folder::events), ElementsAre("a.log"));
+    EXPECT_THAT(names(Folder::upload), ElementsAre(ownName));
+}
+
 TEST_F(BusySharingTest, AFileIsRestoredAlsoWhereNoNameCanBeHeld) {
     const auto archive = putArchive("a.zip", {{"a.log", "1"}});
     fs::remove_all(path(Folder::events));

@@ -89,7 +89,9 @@ bool ArchiveRestorer::isTwinThere(const std::string& name, const Entry& entry) c
 Result<void> ArchiveRestorer::putInPlace(const std::string& name, Entry& entry, const WorkFiles& work,
                                          NameHolder& holder) {
     // What was delivered never comes into sight.
-    if (entry.isDelivered || isTwinThere(name, entry)) return {};
+    if (entry.isDelivered) return {};
+    holder.removeAbandoned(name);
+    if (isTwinThere(name, entry)) return {};
     // Nor may it lie where a file of that name that is being written will move to.
     auto path = appFolder_.path(Folder::upload, holder.hold(name));
     auto moved = fileManager_.moveItem(work.entryPath(name), path);

@@ -1,5 +1,7 @@
 #include "Tallyfoot/Storage/NameHolder.h"
 
+#include "Tallyfoot/Storage/RecordFile.h"
+
 #include <string_view>
 #include <utility>
 
@@ -30,6 +32,18 @@ std::string NameHolder::hold(std::string wish) {
 
 void NameHolder::release() {
     if (path_ != restingPath_ && fileManager_.moveItem(path_, restingPath_)) path_ = restingPath_;
+}
+
+void NameHolder::removeAbandoned(const std::string& name) {
+    const auto path = appFolder_.path(AppFolder::Folder::events, name);
+    if (path == path_) return; // our own
+    const auto found = fileManager_.attributesOfItem(path);
+    if (!found || !found.value().isRegular || found.value().size != 0) return;
+    // Another process may be about to write to it, or may have written and closed it by now.
+    RecordFile file(fileManager_);
+    const auto opened = file.open(path);
+    if (opened && opened.value() == RecordFile::Opened::ours && file.size() == 0 && file.isInPlace())
+        (void)fileManager_.removeItem(path);
 }
 
 bool NameHolder::isInUse(const std::string& name) {

@@ -25,6 +25,10 @@ public:
     std::string hold(std::string wish);
     void release();
 
+    // Takes away the empty file that a killed run held the name by, so that what the name was held for gets it
+    // after all. With the turn held.
+    void removeAbandoned(const std::string& name);
+
 private:
     bool isInUse(const std::string& name); // else it is held
 
