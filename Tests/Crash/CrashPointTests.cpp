@@ -15,9 +15,11 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <exception>
 #include <filesystem>
 #include <new>
 #include <string_view>
+#include <thread>
 
 namespace tallyfoot::testing {
 namespace {
@@ -209,6 +211,21 @@ TEST_F(CrashWhileReporting, AKillLosesNoneAndTellsItTwiceOnlyUnderItsIdentifier)
     std::printf("told once %d times, twice %d times\n", once, twice);
     std::fflush(stdout); // a child of a later round would write it again
     EXPECT_GT(once, 0);
+}
+
+// --- The watchdog ---------------------------------------------------------------------------------
+
+TEST_F(CrashTest, AReasonThatDoesNotComeIsToldThoughTwoThreadsHearTheAlarmAtOnce) {
+    struct Endless : std::exception {
+        const char* what() const noexcept override {
+            for (;;) ::pause();
+        }
+    };
+    ASSERT_TRUE(crashes(128 + SIGABRT, [] {
+        slowDownTheClock();
+        std::thread([] { throw Endless(); }).join();
+    }));
+    EXPECT_THAT(told(), ::testing::ElementsAre(""));
 }
 
 // --- A fault inside the hook itself -------------------------------------------------------------

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/types.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -20,6 +21,7 @@ namespace {
 constinit std::atomic<long> crashAt{0};
 constinit std::atomic<long> points{0};
 constinit std::atomic<void (*)()> crash{nullptr};
+constinit std::atomic<bool> isClockSlow{false};
 constinit std::string_view wantedKind; // changed while nobody is at a point
 
 void point(std::string_view kind) {
@@ -52,6 +54,8 @@ void sendFault() { ::syscall(SYS_tgkill, ::getpid(), ::syscall(SYS_gettid), SIGS
 void killAtOnce() { ::kill(::getpid(), SIGKILL); }
 
 long pointsSince() { return points.load(); }
+
+void slowDownTheClock() { isClockSlow.store(true); }
 
 } // namespace tallyfoot::testing
 
@@ -86,6 +90,12 @@ __attribute__((visibility("default"))) int unlink(const char* path) noexcept {
 
 __attribute__((visibility("default"))) int mkdir(const char* path, mode_t mode) noexcept {
     return static_cast<int>(around("mkdir", SYS_mkdirat, AT_FDCWD, path, mode));
+}
+
+__attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    const timespec moment{0, 20'000'000};
+    if (tallyfoot::testing::isClockSlow.load()) ::syscall(SYS_nanosleep, &moment, nullptr);
+    return static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
 }
 
 __attribute__((visibility("default"))) int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {

@@ -16,4 +16,7 @@ long pointsSince(); // how many have come since
 void sendFault();  // a signal sent to the thread: one that blocks it goes on
 void killAtOnce(); // the process, without a chance to do anything
 
+// From here on each look at the clock takes a while, during which others come as far.
+void slowDownTheClock();
+
 } // namespace tallyfoot::testing

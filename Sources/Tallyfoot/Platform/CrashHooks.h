@@ -41,8 +41,8 @@ public:
     virtual void connect(const ExceptionRuntime& runtime) = 0;
     virtual void signal(int number, SignalHook hook) = 0;
 
-    // Ends a signal hook: what is kept is kept. Runs the process's exit handlers; should these crash or
-    // hang, the process ends with the same status without them.
+    // Ends a signal hook: what is kept is kept. Runs the process's exit handlers; should these crash or take
+    // more than some seconds, the process ends without the rest of them, with the same status if it can.
     [[noreturn]] virtual void exit(int status) noexcept = 0;
 
     // Gives the calling thread what a hook needs should its stack be used up. Cheap after the first call.

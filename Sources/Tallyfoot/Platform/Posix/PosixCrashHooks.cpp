@@ -77,8 +77,9 @@ void keep(std::string_view reason) noexcept;
 // A timer of the host's may ring with the same signal, and earlier.
 void onAlarm(int) {
     if (now() < deadline.load()) return;
-    // A reason that does not come is none.
-    if (reasoningThread.load() != 0 && crashingThread.load() == 0) keep({});
+    // A reason that does not come is none. Of several threads that hear this at once, one keeps that, and the
+    // others wait for it.
+    if (reasoningThread.load() != 0 && !isKept.load()) keep({});
     endAtOnce();
 }
 
