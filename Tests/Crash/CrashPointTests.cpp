@@ -181,6 +181,7 @@ TEST_F(CrashWhileReporting, TheNewOneIsToldOnceAndTheFormerOneIsToldOrReplaced) 
     for (long point = 1; point < points; point += setting("TALLYFOOT_CRASH_STEP", 1 + points / 60)) {
         prepareFormerCrash();
         const auto ended = endsWith(SIGSEGV, [&] { startAndEndAt(point, sendFault); });
+        if (isOver(ended)) continue;
         const bool isHeard(ended); // before the hooks are there, nobody hears it
         const auto unheard = "it ended with " + std::to_string(128 + SIGSEGV);
         ASSERT_TRUE(isHeard || std::string_view(ended.message()).starts_with(unheard)) << "at point " << point;
@@ -200,7 +201,9 @@ TEST_F(CrashWhileReporting, AKillLosesNoneAndTellsItTwiceOnlyUnderItsIdentifier)
     int twice = 0;
     for (long point = 1; point < points; point += setting("TALLYFOOT_CRASH_STEP", 1 + points / 60)) {
         prepareFormerCrash();
-        ASSERT_TRUE(endsWith(128 + SIGKILL, [&] { startAndEndAt(point, killAtOnce); })) << "at point " << point;
+        const auto ended = endsWith(128 + SIGKILL, [&] { startAndEndAt(point, killAtOnce); });
+        if (isOver(ended)) continue;
+        ASSERT_TRUE(ended) << "at point " << point;
         ASSERT_TRUE(endsWith(0, [this] { start(); }));
         const auto records = crashRecords();
         ASSERT_FALSE(records.empty()) << "at point " << point;
