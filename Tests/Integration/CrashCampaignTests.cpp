@@ -1,3 +1,4 @@
+#include "Integration/CampaignSetting.h"
 #include "Integration/HostProcess.h"
 #include "Support/TemporaryFolder.h"
 
@@ -20,12 +21,6 @@ namespace tallyfoot::testing {
 namespace {
 
 using ::testing::IsEmpty;
-
-// TALLYFOOT_CRASH_ROUNDS and TALLYFOOT_CRASH_SEED lengthen and repeat a run.
-unsigned setting(const char* name, unsigned standard) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? standard : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
-}
 
 struct Counts {
     int crashes = 0;

@@ -1,22 +1,16 @@
+#include "Integration/CampaignSetting.h"
 #include "Integration/HostProcess.h"
 #include "Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 
 namespace tallyfoot::testing {
 namespace {
 
 using ::testing::IsEmpty;
-
-// TALLYFOOT_KILL_ROUNDS and TALLYFOOT_KILL_SEED lengthen and repeat a run.
-unsigned setting(const char* name, unsigned standard) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? standard : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
-}
 
 // What reached the server and what is still on the device, each counted as often as it is there.
 std::map<std::string, int> occurrences(CollectorProcess& collector) {

@@ -1,3 +1,5 @@
+#include "PlatformData/PropertyListText.h"
+
 #include "Tallyfoot/Platform/Posix/BinaryPropertyList.h"
 
 #include <gtest/gtest.h>
@@ -19,8 +21,6 @@ using binarypropertylist::decoded;
 using binarypropertylist::encoded;
 using Array = PropertyList::Array;
 using Dictionary = PropertyList::Dictionary;
-
-PropertyList text(std::string characters) { return {std::move(characters)}; }
 PropertyList whole(std::int64_t number) { return {number}; }
 
 std::string bigEndian(std::uint64_t number, int width) {

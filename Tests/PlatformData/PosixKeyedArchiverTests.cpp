@@ -1,3 +1,4 @@
+#include "PlatformData/PropertyListText.h"
 #include "PlatformData/Python.h"
 #include "Support/TemporaryFolder.h"
 
@@ -14,8 +15,6 @@ namespace {
 using namespace std::string_literals;
 using Array = PropertyList::Array;
 using Dictionary = PropertyList::Dictionary;
-
-PropertyList text(std::string characters) { return {std::move(characters)}; }
 PropertyList id(std::int64_t number) { return {Dictionary{{"CF$UID", {number}}}}; }
 
 PropertyList classEntry(const std::string& name, const std::string& parent = "NSObject") {

@@ -1,3 +1,4 @@
+#include "PlatformData/PropertyListText.h"
 #include "PlatformData/Python.h"
 #include "Support/HostBundle.h"
 #include "Support/TemporaryFolder.h"
@@ -16,7 +17,6 @@ using namespace std::string_literals;
 using Array = PropertyList::Array;
 using Dictionary = PropertyList::Dictionary;
 
-PropertyList text(std::string characters) { return {std::move(characters)}; }
 PropertyList whole(std::int64_t number) { return {number}; }
 
 class PosixPropertyListsTest : public ::testing::Test {

@@ -16,8 +16,6 @@ using ::testing::StartsWith;
 
 namespace fs = std::filesystem;
 
-constexpr auto firstName = "07-03-2024T14-05-09-123.log";
-
 // No file of the process grows beyond the limit, as on a full disk.
 class FileSizeLimit {
 public:

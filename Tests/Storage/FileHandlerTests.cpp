@@ -15,7 +15,6 @@ using ::testing::UnorderedElementsAre;
 
 namespace fs = std::filesystem;
 
-constexpr auto firstName = "07-03-2024T14-05-09-123.log";
 constexpr std::uint64_t MiB = 1048576;
 
 using FileHandlerTest = StorageFixture;

@@ -35,6 +35,7 @@ protected:
     std::vector<std::string> names(Folder folder) const; // hidden ones too, sorted
     std::string putArchive(const std::string& name, const std::vector<std::pair<std::string, std::string>>& entries);
 
+    static constexpr auto firstName = "07-03-2024T14-05-09-123.log"; // made at the moment at which the clock stands
     static constexpr auto directly = [](FunctionRef<void()> block) { block(); };
 
     TemporaryFolder support;
