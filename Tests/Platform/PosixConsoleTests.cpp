@@ -1,4 +1,4 @@
-#include "Support/FileSizeLimit.h"
+#include "Support/ResourceLimit.h"
 #include "Support/TemporaryFolder.h"
 
 #include "Tallyfoot/Platform/Posix/FileDescriptor.h"
@@ -235,7 +235,7 @@ TEST(PosixConsole, ATerminalThatStandsStillHoldsNobody) {
 TEST(PosixConsole, AFileAtTheLimitOfTheProcessLosesTheTextAndRaisesNoSignal) {
     const TemporaryFolder folder;
     const FileDescriptor file(::open((folder / "output").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    const FileSizeLimit limit(10);
+    const ResourceLimit limit(RLIMIT_FSIZE, 10);
     PosixConsole(file.number()).write("12345678\n");
     PosixConsole(file.number()).write("lost\n");
     EXPECT_EQ(::lseek(file.number(), 0, SEEK_END), 10);

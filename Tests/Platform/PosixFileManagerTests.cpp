@@ -1,5 +1,5 @@
-#include "Support/FileSizeLimit.h"
 #include "Support/OrdinaryUser.h"
+#include "Support/ResourceLimit.h"
 #include "Support/TemporaryFolder.h"
 
 #include "Tallyfoot/Platform/Posix/PosixFileManager.h"
@@ -57,7 +57,7 @@ TEST(PosixFileHandle, AnAppendThatDoesNotFitLeavesTheFileAsItWas) {
 TEST(PosixFileHandle, TheLimitOfTheProcessThatItIsOpenedUnderEndsNoHost) {
     TemporaryFolder folder;
     writeFile(folder / "a", "0123456789");
-    const FileSizeLimit limit(20);
+    const ResourceLimit limit(RLIMIT_FSIZE, 20);
     PosixFileManager files;
     auto handle = files.fileHandleForWriting(folder / "a");
     ASSERT_TRUE(handle);
@@ -71,7 +71,7 @@ TEST(PosixFileHandle, TheLimitOfTheProcessThatItIsOpenedUnderEndsNoHost) {
 
 TEST(PosixFileManager, TheLimitOfTheProcessEndsNoHostThatWritesAWholeFile) {
     TemporaryFolder folder;
-    const FileSizeLimit limit(20);
+    const ResourceLimit limit(RLIMIT_FSIZE, 20);
     EXPECT_FALSE(PosixFileManager().writeAtomically(folder / "a", std::string(21, 'x')));
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }

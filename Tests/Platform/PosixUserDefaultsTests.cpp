@@ -1,5 +1,5 @@
-#include "Support/FileSizeLimit.h"
 #include "Support/OrdinaryUser.h"
+#include "Support/ResourceLimit.h"
 #include "Support/TemporaryFolder.h"
 
 #include "Tallyfoot/Platform/Posix/FileLock.h"
@@ -387,7 +387,7 @@ TEST_F(PosixUserDefaultsTest, AFullDiskKeepsTheFormerValueOnItAndTheNewOneInMemo
     const auto defaults = open();
     defaults->setObject("text", text("former"));
     defaults->setInteger("number", 1);
-    const FileSizeLimit limit(1000);
+    const ResourceLimit limit(RLIMIT_FSIZE, 1000);
     defaults->setObject("text", text(std::string(2000, 'x')));
     EXPECT_FALSE(defaults->synchronize());
     EXPECT_EQ(defaults->object("text"), text(std::string(2000, 'x')));
@@ -397,7 +397,7 @@ TEST_F(PosixUserDefaultsTest, AFullDiskKeepsTheFormerValueOnItAndTheNewOneInMemo
 }
 
 TEST_F(PosixUserDefaultsTest, WithoutRoomForTheTableNumbersAreFiles) {
-    const FileSizeLimit limit(1000);
+    const ResourceLimit limit(RLIMIT_FSIZE, 1000);
     open()->setInteger("number", 5);
     EXPECT_EQ(open()->integer("number"), 5);
     EXPECT_TRUE(open()->synchronize());
@@ -497,7 +497,7 @@ TEST_F(PosixSignalSafeStoreTest, WhatTheDiskRefusesLeavesTheFormerValue) {
     defaults->setObject("crash", text("former"));
     const auto store = defaults->makeSignalSafeStore("crash");
     ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR); // a crash hook runs with every signal blocked
-    const FileSizeLimit limit(1000);
+    const ResourceLimit limit(RLIMIT_FSIZE, 1000);
     const std::string reason(2000, 'x');
     const std::array<SignalSafeStore::Text, 1> texts{{{"crashreason", reason}}};
     EXPECT_FALSE(store->store(texts));

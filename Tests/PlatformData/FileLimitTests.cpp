@@ -1,5 +1,6 @@
 #include "PlatformData/SessionHost.h"
 #include "PlatformData/SilentServer.h"
+#include "Support/ResourceLimit.h"
 #include "Support/ScriptedServer.h"
 
 #include <gtest/gtest.h>
@@ -16,22 +17,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The process may have no file from this number on while this lives, but for those that it has.
-class FilesBelow {
-public:
-    explicit FilesBelow(int number) {
-        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &former_), 0);
-        const rlimit limit{static_cast<rlim_t>(number), former_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-    }
-    ~FilesBelow() { EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &former_), 0); }
-    FilesBelow(const FilesBelow&) = delete;
-    FilesBelow& operator=(const FilesBelow&) = delete;
-
-private:
-    rlimit former_{};
-};
-
 TEST(PosixURLSession, ATaskThatFindsNoFileFreeFailsAndLaterOnesWakeTheSession) {
     ScriptedServer server;
     SessionHost host;
@@ -39,7 +24,7 @@ TEST(PosixURLSession, ATaskThatFindsNoFileFreeFailsAndLaterOnesWakeTheSession) {
     ASSERT_GE(firstFree, 0);
     ::close(firstFree);
     {
-        const FilesBelow limit(firstFree);
+        const ResourceLimit limit(RLIMIT_NOFILE, static_cast<rlim_t>(firstFree));
         expectError(host.fetch(post(server.url())));
     }
     // One may come before the session sleeps, but hardly so many.
@@ -55,7 +40,7 @@ TEST(PosixURLSession, WhereItMayHaveNoFilesAnyMoreItWaitsAllTheSame) {
     const auto connection = silent.accept();
     char received = 0;
     ASSERT_EQ(::recv(connection.number(), &received, 1, 0), 1); // it is connected and waits for the answer
-    const FilesBelow limit(0);                                  // the system refuses to watch more files than that
+    const ResourceLimit limit(RLIMIT_NOFILE, 0);                // the system refuses to watch more files than that
     const auto before = std::clock();
     expectError(SessionHost::wait(answer), "silent");
     EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 8) << "of a second's work";
