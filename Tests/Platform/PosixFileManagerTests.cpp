@@ -18,9 +18,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <system_error>
 #include <thread>
 
@@ -31,13 +33,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAre;
 
-// Files of this process grow to the limit and no further, as on a full disk.
-void limitFileSize(rlim_t bytes) {
-    ASSERT_NE(::signal(SIGXFSZ, SIG_IGN), SIG_ERR);
-    const rlimit limit{bytes, RLIM_INFINITY};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-}
-
 TEST(PosixFileHandle, AnAppendThatDoesNotFitLeavesTheFileAsItWas) {
     TemporaryFolder folder;
     writeFile(folder / "a", "0123456789");
@@ -45,7 +40,7 @@ TEST(PosixFileHandle, AnAppendThatDoesNotFitLeavesTheFileAsItWas) {
     auto handle = files.fileHandleForWriting(folder / "a");
     ASSERT_TRUE(handle);
     ASSERT_TRUE(handle.value()->append("first"));
-    limitFileSize(20);
+    const ResourceLimit limit(RLIMIT_FSIZE, 20);
     const auto appended = handle.value()->append("too long for the file");
     ASSERT_FALSE(appended);
     EXPECT_THAT(appended.error().description, HasSubstr("File too large"));
@@ -82,7 +77,7 @@ TEST(PosixFileHandle, TheFirstAppendOfAHandleIsWholeOrNotAtAllToo) {
     PosixFileManager files;
     auto handle = files.fileHandleForWriting(folder / "a");
     ASSERT_TRUE(handle);
-    limitFileSize(15);
+    const ResourceLimit limit(RLIMIT_FSIZE, 15);
     EXPECT_FALSE(handle.value()->append("too long"));
     EXPECT_EQ(readFile(folder / "a"), "0123456789");
 }
@@ -93,8 +88,7 @@ TEST(PosixFileHandle, AFailedTruncateIsReported) {
     PosixFileManager files;
     auto handle = files.fileHandleForWriting(folder / "a");
     ASSERT_TRUE(handle);
-    limitFileSize(15);
-    EXPECT_FALSE(handle.value()->truncate(16));
+    EXPECT_FALSE(handle.value()->truncate(std::numeric_limits<std::uint64_t>::max()));
     EXPECT_EQ(readFile(folder / "a"), "0123456789");
 }
 
@@ -178,7 +172,7 @@ TEST(PosixFileHandle, FilesThatAreOpenedAgainAndAgainTakeFewWatches) {
 TEST(PosixFileManager, AWriteThatDoesNotFitKeepsTheOldFileAndLeavesNothingBeside) {
     TemporaryFolder folder;
     writeFile(folder / "a", "old");
-    limitFileSize(100);
+    const ResourceLimit limit(RLIMIT_FSIZE, 100);
     PosixFileManager files;
     EXPECT_FALSE(files.writeAtomically(folder / "a", std::string(101, 'x')));
     EXPECT_EQ(readFile(folder / "a"), "old");

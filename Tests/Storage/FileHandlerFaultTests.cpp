@@ -1,9 +1,7 @@
 #include "RelayFileManager.h"
 #include "StorageFixture.h"
+#include "Support/ResourceLimit.h"
 
-#include <sys/resource.h>
-
-#include <csignal>
 #include <filesystem>
 
 namespace tallyfoot::testing {
@@ -15,27 +13,6 @@ using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
 namespace fs = std::filesystem;
-
-// No file of the process grows beyond the limit, as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        former_ = std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &limit_);
-        const rlimit lowered{bytes, limit_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &lowered), 0);
-    }
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &limit_);
-        (void)std::signal(SIGXFSZ, former_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit limit_{};
-    void (*former_)(int) = nullptr;
-};
 
 using FileHandlerFaultTest = StorageFixture;
 
@@ -103,7 +80,7 @@ TEST_F(FileHandlerFaultTest, ARecordThatDoesNotFitIsReportedAndLeavesNoFragment)
     handler->write("onejsonsplit");
     console.clear();
     {
-        const FileSizeLimit full(20);
+        const ResourceLimit full(RLIMIT_FSIZE, 20);
         handler->write("twojsonsplit");
     }
     EXPECT_THAT(console.lines(), ElementsAre(StartsWith("\"Failed to write to log file: ")));
@@ -168,7 +145,7 @@ TEST_F(FileHandlerFaultTest, PackingOntoAFullDiskLeavesTheLogsAndNothingElse) {
     put(Folder::upload, "a.log", std::string(5000, 'x'));
     console.clear();
     {
-        const FileSizeLimit full(1000);
+        const ResourceLimit full(RLIMIT_FSIZE, 1000);
         handler->zip(directly);
     }
     EXPECT_THAT(console.lines(), ElementsAre(StartsWith("\"Error while zipping files: ")));
@@ -195,7 +172,7 @@ TEST_F(FileHandlerFaultTest, RestoringOntoAFullDiskLeavesTheArchiveAndNothingEls
     const auto archive = putArchive("a.zip", {{"a.log", "1"}, {"b.log", std::string(5000, 'x')}});
     console.clear();
     {
-        const FileSizeLimit full(1000);
+        const ResourceLimit full(RLIMIT_FSIZE, 1000);
         handler->restore(archive, {}, directly);
     }
     EXPECT_THAT(console.lines(), ElementsAre(StartsWith("\"Failed to restore files: ")));

@@ -1,5 +1,6 @@
 #include "Tallyfoot/Storage/Archive.h"
 
+#include "Tallyfoot/Platform/FileSizeLimit.h"
 #include "Tallyfoot/Storage/ArchiveSink.h"
 #include "Tallyfoot/Storage/PathNames.h"
 
@@ -74,6 +75,18 @@ Result<void> add(zip_t* archive, const std::string& path) {
     return {};
 }
 
+Result<void> packInto(const std::string& archivePath, const std::vector<std::string>& filePaths) {
+    auto archive = create(archivePath);
+    if (!archive) return archive.error();
+    for (const auto& path : filePaths) {
+        if (auto added = add(archive.value().get(), path); !added) return added;
+    }
+    // All reading and writing happens here.
+    if (zip_close(archive.value().get()) != 0) return failure(archive.value().get());
+    (void)archive.value().release();
+    return {};
+}
+
 // What the directory says of the entries, before a byte of them is believed.
 Result<std::vector<zip_stat_t>> readDirectory(zip_t* archive, std::uint64_t archiveSize) {
     std::vector<zip_stat_t> entries;
@@ -121,15 +134,7 @@ Result<void> extract(FileManager& fileManager, zip_t* archive, const zip_stat_t&
 
 Result<void> Archive::pack(const std::vector<std::string>& filePaths, const std::string& archivePath) {
     if (filePaths.empty()) return {};
-    auto archive = create(archivePath);
-    if (!archive) return archive.error();
-    for (const auto& path : filePaths) {
-        if (auto added = add(archive.value().get(), path); !added) return added;
-    }
-    // All reading and writing happens here.
-    if (zip_close(archive.value().get()) != 0) return failure(archive.value().get());
-    (void)archive.value().release();
-    return {};
+    return withinFileSizeLimit([&] { return packInto(archivePath, filePaths); });
 }
 
 Result<std::vector<std::string>> Archive::unpack(FileManager& fileManager, const std::string& archivePath,

@@ -53,6 +53,7 @@ Result<void> PosixFileHandle::appendAll(std::string_view bytes) {
 
 // The system took only a part: the disk is full, a limit was met or a signal came.
 Result<void> PosixFileHandle::appendRest(std::string_view bytes, std::size_t written) {
+    WriteSignals signals;
     const int file = descriptor_.number();
     // An append leaves the offset at its own end, so that the start follows without having been kept.
     off_t end = ::lseek(file, 0, SEEK_CUR);
@@ -69,6 +70,7 @@ Result<void> PosixFileHandle::appendRest(std::string_view bytes, std::size_t wri
         end = ::lseek(file, 0, SEEK_CUR);
     }
     if (failure == 0) return {};
+    signals.takeAway(SIGXFSZ);
 
     // Cut off only what is ours: if anybody else has appended meanwhile, their bytes stay.
     struct stat now {};
