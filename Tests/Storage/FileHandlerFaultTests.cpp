@@ -66,6 +66,32 @@ TEST_F(FileHandlerFaultTest, TheThresholdLooksAtTheFileItselfWhenItCannotBeOpene
     EXPECT_EQ(triggers, 1);
 }
 
+TEST_F(FileHandlerFaultTest, AFileThatCannotBeOpenedIsNeitherWrittenToNorPutAmongTheClosedOnes) {
+    class Refusing final : public RelayFileManager {
+    public:
+        using RelayFileManager::RelayFileManager;
+        Result<std::unique_ptr<FileHandle>> fileHandleForWriting(const std::string& path) override {
+            if (path.ends_with("/root.log") && isRefusing) return Error{"not yours"};
+            return RelayFileManager::fileHandleForWriting(path);
+        }
+        bool isRefusing = true;
+    };
+    put(Folder::events, "root.log", "onejsonsplit"); // as after one run by another user
+    Refusing disk(fileManager);
+    const auto handler = makeFileHandler(disk);
+    EXPECT_EQ(handler->currentLogFileName(), firstName);
+    handler->write("twojsonsplit");
+    console.clear();
+    handler->close();
+    EXPECT_THAT(names(Folder::events), ElementsAre("root.log"));
+    EXPECT_THAT(names(Folder::upload), ElementsAre(firstName));
+    EXPECT_EQ(bytes(Folder::upload, firstName), "twojsonsplit");
+    EXPECT_THAT(console.lines(), ElementsAre("\"Failed to move a file: not yours\""));
+    disk.isRefusing = false;
+    handler->close();
+    EXPECT_EQ(bytes(Folder::upload, "root.log"), "onejsonsplit");
+}
+
 TEST_F(FileHandlerFaultTest, WritingGoesOnOnceTheObstacleIsGone) {
     writeFile(path(Folder::events), "in the way");
     const auto handler = makeFileHandler();

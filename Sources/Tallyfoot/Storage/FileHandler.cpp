@@ -50,7 +50,8 @@ void FileHandler::chooseCurrentFile() {
     const auto newest = std::find_if(items.begin(), items.end(), [this](const AppFolder::Item& item) {
         if (!item.name.ends_with(".log") || (item.attributes && !item.attributes->isRegular)) return false;
         RecordFile file(collaborators_.fileManager);
-        return mayBeMoved(file, appFolder_->path(Folder::events, item.name));
+        const auto isOurs = claim(file, appFolder_->path(Folder::events, item.name));
+        return isOurs && isOurs.value();
     });
     currentLogFileName_ = newest == items.end() ? names_.next(".log") : newest->name;
     collaborators_.console.print({"Current log filename: ", *currentLogFileName_});
@@ -131,10 +132,11 @@ bool FileHandler::openCurrentFile() {
 // Opens the file for the sake of the repair, if this run has not written to it. Who moves a file closes it
 // afterwards, so that no other process begins to write to it in between. One that another process closed before
 // it was ours is gone; what has its path by now may be a third one's.
-bool FileHandler::mayBeMoved(RecordFile& file, const std::string& path) {
+Result<bool> FileHandler::claim(RecordFile& file, const std::string& path) {
     if (file.isOpen()) return true;
     const auto opened = file.open(path);
-    return !opened || (opened.value() == RecordFile::Opened::ours && file.isInPlace());
+    if (!opened) return opened.error();
+    return opened.value() == RecordFile::Opened::ours && file.isInPlace();
 }
 
 float FileHandler::append(std::string_view record) {
@@ -151,8 +153,8 @@ float FileHandler::append(std::string_view record) {
 void FileHandler::close() {
     appFolder_->createFolders(); // somebody may have taken one away
     if (currentLogFileName_) {
-        if (mayBeMoved(recordFile_, currentFilePath()))
-            appFolder_->move(*currentLogFileName_, Folder::events, Folder::upload);
+        const auto isOurs = claim(recordFile_, currentFilePath());
+        if (!isOurs || isOurs.value()) appFolder_->move(*currentLogFileName_, Folder::events, Folder::upload);
         recordFile_.close();
     }
     moveLeftovers();
@@ -165,10 +167,16 @@ void FileHandler::moveLeftovers() {
         if (!AppFolder::isNonEmptyLog(item) || item.name == currentLogFileName_) continue;
         const auto path = appFolder_->path(Folder::events, item.name);
         RecordFile leftover(fileManager);
-        if (!mayBeMoved(leftover, path)) continue;
-        const auto moved = isClosed(item.name)
-                               ? moveUnderNewName(path)
-                               : fileManager.moveItem(path, appFolder_->path(Folder::upload, item.name));
+        const auto isOurs = claim(leftover, path);
+        if (isOurs && !isOurs.value()) continue;
+        Result<void> moved;
+        if (!isOurs) { // nor could it be packed, and it would keep the others from being packed
+            moved = isOurs.error();
+        } else if (isClosed(item.name)) {
+            moved = moveUnderNewName(path);
+        } else {
+            moved = fileManager.moveItem(path, appFolder_->path(Folder::upload, item.name));
+        }
         if (!moved) collaborators_.console.print({"Failed to move a file: ", moved.error().description});
     }
 }

@@ -39,9 +39,9 @@ public:
 
     // Creates the folders, restores archives left behind, trims the storage and, for the current
     // application, chooses and creates the current log file: the newest one in Events, else a new
-    // one; a file that another process writes to is not ours to choose. For another application, log files that a
-    // killed run left in Events move to Upload. An archive that `isInFlight` names is on its way to the server and
-    // stays: its answer decides.
+    // one; a file that another process writes to, or that cannot be opened, is not ours to choose. For another
+    // application, log files that a killed run left in Events move to Upload. An archive that `isInFlight` names is on
+    // its way to the server and stays: its answer decides.
     FileHandler(Collaborators collaborators, std::shared_ptr<const UploadConfiguration> configuration,
                 std::shared_ptr<AppFolder> appFolder, bool isCurrentApplication,
                 const std::function<bool(std::string_view archiveName)>& isInFlight = {});
@@ -53,8 +53,8 @@ public:
     // A record that cannot be written is lost, and that is one console line. Two system calls and
     // no allocation while the file is open.
     void write(std::string_view record);
-    // The current file moves to Upload, and with it whatever an earlier failure or run left in Events; a new
-    // name is chosen, its file made by the next write.
+    // The current file moves to Upload, and with it whatever an earlier failure or run left in Events and can be
+    // opened; a new name is chosen, its file made by the next write.
     void close();
     void trim(); // deletes the oldest closed files down to half the budget once it is reached
     void deleteAllLogs();
@@ -83,7 +83,7 @@ private:
     bool ensureCurrentFileExists(); // says so if it could not be made
     bool openCurrentFile();
     bool isClosed(const std::string& name) const; // a file of this name
-    static bool mayBeMoved(RecordFile& file, const std::string& path);
+    static Result<bool> claim(RecordFile& file, const std::string& path);
     float append(std::string_view record); // the file's size afterwards
     void moveLeftovers();
     Result<void> moveUnderNewName(const std::string& leftover); // nothing is to be replaced
