@@ -43,7 +43,7 @@ endfunction()
 # Several sources as one: what they include together takes most of the time.
 function(tallyfoot_join target)
   if(TALLYFOOT_QUICK_BUILD)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 5)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
     # g++ takes a joined source for a header, from which a nameless namespace would be another in each.
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   endif()

@@ -8,14 +8,10 @@
 namespace tallyfoot::collector {
 namespace {
 
+using testing::checked;
 using testing::log;
 using testing::record;
 using testing::TestUpload;
-
-CheckedUpload checked(const TestUpload& upload) {
-    const auto body = upload.body();
-    return checkUpload(upload.head(body.size()), body);
-}
 
 std::int64_t store(CollectorStore& collector, const TestUpload& test, const Fault& fault = {}) {
     const auto upload = checked(test);

@@ -79,6 +79,11 @@ std::string TestUpload::head(std::size_t bodySize) const {
            + "cookie: " + cookie + crlf + extraHeaders + "Content-Length: " + std::to_string(bodySize) + crlf + crlf;
 }
 
+collector::CheckedUpload checked(const TestUpload& upload) {
+    const auto body = upload.body();
+    return collector::checkUpload(upload.head(body.size()), body);
+}
+
 std::string archive(const TestUpload::Entries& entries, bool compressed) {
     zip_error_t error;
     zip_error_init(&error);

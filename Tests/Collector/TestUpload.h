@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Collector/UploadChecker.h"
+
 #include <nlohmann/json.hpp>
 
 #include <string>
@@ -30,6 +32,9 @@ struct TestUpload {
     std::string body() const;
     std::string head(std::size_t bodySize) const;
 };
+
+// What the collector makes of it.
+collector::CheckedUpload checked(const TestUpload& upload);
 
 // The archive's bytes. Stored unless compressed.
 std::string archive(const TestUpload::Entries& entries, bool compressed = false);

@@ -7,14 +7,10 @@
 namespace tallyfoot::collector {
 namespace {
 
+using testing::checked;
 using testing::log;
 using testing::record;
 using testing::TestUpload;
-
-CheckedUpload check(const TestUpload& upload) {
-    const auto body = upload.body();
-    return checkUpload(upload.head(body.size()), body);
-}
 
 std::vector<std::string> kinds(const CheckedUpload& upload) {
     std::vector<std::string> all;
@@ -25,7 +21,8 @@ std::vector<std::string> kinds(const CheckedUpload& upload) {
 using List = std::vector<std::string>;
 
 TEST(UploadChecker, AWellFormedUploadHasNoProblem) {
-    const auto upload = check(TestUpload({{"a.log", log({record("1"), record("2")})}, {"b.log", log({record("3")})}}));
+    const auto upload =
+        checked(TestUpload({{"a.log", log({record("1"), record("2")})}, {"b.log", log({record("3")})}}));
     EXPECT_EQ(kinds(upload), List{});
     ASSERT_EQ(upload.files.size(), 2U);
     EXPECT_EQ(upload.files[0].name, "a.log");
@@ -37,13 +34,13 @@ TEST(UploadChecker, AWellFormedUploadHasNoProblem) {
 TEST(UploadChecker, TheCookieIsTheToken) {
     TestUpload upload;
     upload.cookie = "another";
-    EXPECT_EQ(kinds(check(upload)), List{"cookie"});
+    EXPECT_EQ(kinds(checked(upload)), List{"cookie"});
 }
 
 TEST(UploadChecker, TheCookieComesOnceAndInLowerCase) {
     TestUpload twice;
     twice.extraHeaders = "cookie: token-1\r\n";
-    EXPECT_EQ(kinds(check(twice)), List{"cookie"});
+    EXPECT_EQ(kinds(checked(twice)), List{"cookie"});
     const TestUpload upload;
     const auto body = upload.body();
     auto head = upload.head(body.size());
@@ -75,71 +72,72 @@ TEST(UploadChecker, TheBodysLengthIsGivenAndNotInChunks) {
 TEST(UploadChecker, NoExpectHeader) {
     TestUpload upload;
     upload.extraHeaders = "Expect: 100-continue\r\n";
-    EXPECT_EQ(kinds(check(upload)), List{"header"});
+    EXPECT_EQ(kinds(checked(upload)), List{"header"});
 }
 
 TEST(UploadChecker, HeaderLinesAreWellFormed) {
     for (const auto& line : std::vector<std::string>{"a b: c\r\n", "nothing\r\n", "a: b\n", "a: b\x01\r\n"}) {
         TestUpload upload;
         upload.extraHeaders = line;
-        EXPECT_EQ(kinds(check(upload)), List{"head"}) << line;
+        EXPECT_EQ(kinds(checked(upload)), List{"head"}) << line;
     }
 }
 
 TEST(UploadChecker, EntriesAreStored) {
     TestUpload upload;
     upload.file = testing::archive({{"a.log", log({record("1")}) + std::string(0, 'x')}}, true);
-    const auto checked = check(upload);
-    EXPECT_EQ(kinds(checked), List{"method"});
-    EXPECT_EQ(checked.files.at(0).records.size(), 1U); // it is read all the same
+    const auto found = checked(upload);
+    EXPECT_EQ(kinds(found), List{"method"});
+    EXPECT_EQ(found.files.at(0).records.size(), 1U); // it is read all the same
 }
 
 TEST(UploadChecker, AWrongChecksumIsFoundAndTheOtherEntriesAreRead) {
     TestUpload upload({{"a.log", log({record("marked")})}, {"b.log", log({record("2")})}});
     upload.file.replace(upload.file.find("marked"), 6, "Marked");
-    const auto checked = check(upload);
-    EXPECT_EQ(kinds(checked), List{"checksum"});
-    EXPECT_FALSE(checked.files.at(0).readable);
-    EXPECT_TRUE(checked.files.at(0).records.empty());
-    EXPECT_TRUE(checked.files.at(1).readable);
+    const auto found = checked(upload);
+    EXPECT_EQ(kinds(found), List{"checksum"});
+    EXPECT_FALSE(found.files.at(0).readable);
+    EXPECT_TRUE(found.files.at(0).records.empty());
+    EXPECT_TRUE(found.files.at(1).readable);
 }
 
 TEST(UploadChecker, ACutArchiveIsUnreadable) {
     TestUpload upload;
     upload.file.resize(upload.file.size() - 10);
-    const auto checked = check(upload);
-    EXPECT_EQ(kinds(checked), List{"archive"});
-    EXPECT_FALSE(checked.readable);
+    const auto found = checked(upload);
+    EXPECT_EQ(kinds(found), List{"archive"});
+    EXPECT_FALSE(found.readable);
 }
 
 TEST(UploadChecker, AnEmptyFileIsNoArchive) {
     TestUpload upload;
     upload.file.clear();
-    EXPECT_EQ(kinds(check(upload)), List{"archive"});
+    EXPECT_EQ(kinds(checked(upload)), List{"archive"});
 }
 
 TEST(UploadChecker, EntryNamesArePlain) {
     for (const std::string name : {"../a.log", "folder/a.log", "a.txt"}) {
-        EXPECT_EQ(kinds(check(TestUpload(TestUpload::Entries{{name, log({record("1")})}}))), List{"entryName"}) << name;
+        EXPECT_EQ(kinds(checked(TestUpload(TestUpload::Entries{{name, log({record("1")})}}))), List{"entryName"})
+            << name;
     }
 }
 
 TEST(UploadChecker, AnEmptyLogIsAProblem) {
-    EXPECT_EQ(kinds(check(TestUpload(TestUpload::Entries{{"a.log", ""}}))), List{"empty"});
+    EXPECT_EQ(kinds(checked(TestUpload(TestUpload::Entries{{"a.log", ""}}))), List{"empty"});
 }
 
 TEST(UploadChecker, ATornTailIsAProblemAndTheRecordsBeforeItCount) {
-    const auto upload = check(TestUpload({{"a.log", log({record("1")}) + "{\"evtId"}}));
+    const auto upload = checked(TestUpload({{"a.log", log({record("1")}) + "{\"evtId"}}));
     EXPECT_EQ(kinds(upload), List{"tornTail"});
     EXPECT_EQ(upload.files.at(0).records.size(), 1U);
 }
 
 TEST(UploadChecker, WhatIsNoRecordIsAProblem) {
-    EXPECT_EQ(kinds(check(TestUpload({{"a.log", "nonsense" + log({"", record("1")})}}))), List{"malformed"});
+    EXPECT_EQ(kinds(checked(TestUpload({{"a.log", "nonsense" + log({"", record("1")})}}))), List{"malformed"});
 }
 
 TEST(UploadChecker, LogsAreUTF8) {
-    EXPECT_EQ(kinds(check(TestUpload(TestUpload::Entries{{"a.log", "{\"a\":\"\xFF\"}jsonsplit"}}))),
+    EXPECT_EQ(kinds(checked(TestUpload(TestUpload::Entries{{"a.log", "{\"a\":\"\xFF\"}jsonsplit"}}))),
               (List{"utf8", "malformed"}));
 }
 

@@ -13,7 +13,7 @@ namespace tallyfoot::testing {
 
 namespace {
 
-class PosixHost final : public URLSessionHost {
+class PosixSessionHost final : public URLSessionHost {
 public:
     URLSession& session() override { return *session_; }
     std::shared_ptr<URLSession> takeSession() override { return std::move(session_); }
@@ -42,7 +42,7 @@ private:
     std::shared_ptr<URLSession> session_ = std::make_shared<PosixURLSession>();
 };
 
-class ManualHost final : public URLSessionHost {
+class ManualSessionHost final : public URLSessionHost {
 public:
     URLSession& session() override { return *owned_; }
     std::shared_ptr<URLSession> takeSession() override { return std::move(owned_); }
@@ -80,11 +80,11 @@ private:
 } // namespace
 
 Implementation<URLSessionHost> posixURLSession() {
-    return {"Posix", [] { return std::make_shared<PosixHost>(); }};
+    return {"Posix", [] { return std::make_shared<PosixSessionHost>(); }};
 }
 
 Implementation<URLSessionHost> manualURLSession() {
-    return {"Manual", [] { return std::make_shared<ManualHost>(); }};
+    return {"Manual", [] { return std::make_shared<ManualSessionHost>(); }};
 }
 
 } // namespace tallyfoot::testing

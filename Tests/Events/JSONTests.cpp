@@ -14,7 +14,7 @@
 namespace tallyfoot {
 namespace {
 
-std::string nested(std::size_t levels) { return std::string(levels, '[') + std::string(levels, ']'); }
+std::string brackets(std::size_t levels) { return std::string(levels, '[') + std::string(levels, ']'); }
 
 // What the text reads as, written again.
 std::string again(std::string_view text) {
@@ -159,9 +159,9 @@ TEST(JSONReader, SkipsOneByteOrderMark) {
 }
 
 TEST(JSONReader, Reads512LevelsAndNoMore) {
-    EXPECT_TRUE(json::parse(nested(512)));
-    EXPECT_FALSE(json::parse(nested(513)));
-    EXPECT_FALSE(json::parse(nested(1'000'000)));
+    EXPECT_TRUE(json::parse(brackets(512)));
+    EXPECT_FALSE(json::parse(brackets(513)));
+    EXPECT_FALSE(json::parse(brackets(1'000'000)));
     EXPECT_FALSE(json::parse(std::string(1'000'000, '[')));
     std::string objects;
     for (int level = 0; level < 511; ++level) objects += "{\"a\":";
@@ -179,7 +179,7 @@ TEST(JSONReader, OfDuplicateKeysTheFirstWins) {
 TEST(JSONReader, WhatIsPassedOverMustStillBeJSON) {
     EXPECT_FALSE(json::parse(R"({"a":1,"a":[})"));
     EXPECT_FALSE(json::parse(R"({"a":1,"a":1e400})"));
-    EXPECT_FALSE(json::parse("{\"a\":1,\"a\":" + nested(512) + "}"));
+    EXPECT_FALSE(json::parse("{\"a\":1,\"a\":" + brackets(512) + "}"));
 }
 
 TEST(JSONReader, IsIndifferentToTheLocale) {
@@ -268,10 +268,10 @@ TEST(JSONWriter, RefusesWhatIsNoJSON) {
 }
 
 TEST(JSONWriter, Writes512LevelsAndNoMore) {
-    const auto deepest = nlohmann::json::parse(nested(512));
-    EXPECT_EQ(json::write(deepest), nested(512));
+    const auto deepest = nlohmann::json::parse(brackets(512));
+    EXPECT_EQ(json::write(deepest), brackets(512));
     EXPECT_FALSE(json::write(nlohmann::json::array({deepest})));
-    EXPECT_FALSE(json::write(nlohmann::json::parse(nested(1'000'000))));
+    EXPECT_FALSE(json::write(nlohmann::json::parse(brackets(1'000'000))));
 }
 
 TEST(JSONWriter, SaysHowDeepAValueIs) {

@@ -17,7 +17,7 @@ using namespace std::string_literals;
 using Array = PropertyList::Array;
 using Dictionary = PropertyList::Dictionary;
 
-PropertyList whole(std::int64_t number) { return {number}; }
+PropertyList integer(std::int64_t number) { return {number}; }
 
 class PosixPropertyListsTest : public ::testing::Test {
 protected:
@@ -38,23 +38,23 @@ TEST_F(PosixPropertyListsTest, ReadsXML) {
                                  "<array><string>x</string><dict/><false/></array>")),
               (PropertyList{Dictionary{{"text", text("a & é €")},
                                        {"flag", {true}},
-                                       {"number", whole(-5)},
+                                       {"number", integer(-5)},
                                        {"half", {0.5}},
                                        {"data", {PropertyList::Data{"\0\1\2"s}}},
                                        {"list", {Array{text("x"), {Dictionary{}}, {false}}}}}}));
 }
 
 TEST_F(PosixPropertyListsTest, ReadsTheIntegersOfXMLToTheirLimits) {
-    EXPECT_EQ(readValue("<integer>9223372036854775807</integer>"), whole(std::numeric_limits<std::int64_t>::max()));
-    EXPECT_EQ(readValue("<integer>-9223372036854775808</integer>"), whole(std::numeric_limits<std::int64_t>::min()));
+    EXPECT_EQ(readValue("<integer>9223372036854775807</integer>"), integer(std::numeric_limits<std::int64_t>::max()));
+    EXPECT_EQ(readValue("<integer>-9223372036854775808</integer>"), integer(std::numeric_limits<std::int64_t>::min()));
     EXPECT_EQ(readValue("<integer>18446744073709551615</integer>"), PropertyList{0x1p64});
 }
 
 TEST_F(PosixPropertyListsTest, ReadsIntegersOfXMLWithSignsAndInHexadecimal) {
-    EXPECT_EQ(readValue("<integer> +7\n</integer>"), whole(7));
-    EXPECT_EQ(readValue("<integer>0x1F</integer>"), whole(31));
-    EXPECT_EQ(readValue("<integer>-0X1f</integer>"), whole(-31));
-    EXPECT_EQ(readValue("<integer>007</integer>"), whole(7));
+    EXPECT_EQ(readValue("<integer> +7\n</integer>"), integer(7));
+    EXPECT_EQ(readValue("<integer>0x1F</integer>"), integer(31));
+    EXPECT_EQ(readValue("<integer>-0X1f</integer>"), integer(-31));
+    EXPECT_EQ(readValue("<integer>007</integer>"), integer(7));
 }
 
 TEST_F(PosixPropertyListsTest, AnIntegerOfXMLThatIsNoneOrBeyond64BitsIsMalformed) {
@@ -123,7 +123,7 @@ TEST_F(PosixPropertyListsTest, OfEqualKeysOfXMLTheLastWins) {
 
 TEST_F(PosixPropertyListsTest, ReadsAUniqueIdOfXML) {
     EXPECT_EQ(readValue("<dict><key>CF$UID</key><integer>7</integer></dict>"),
-              (PropertyList{Dictionary{{"CF$UID", whole(7)}}}));
+              (PropertyList{Dictionary{{"CF$UID", integer(7)}}}));
 }
 
 TEST_F(PosixPropertyListsTest, ReadsXMLWithCommentsSectionsAndSpace) {
@@ -133,7 +133,7 @@ TEST_F(PosixPropertyListsTest, ReadsXMLWithCommentsSectionsAndSpace) {
 }
 
 TEST_F(PosixPropertyListsTest, ReadsWhatItWrote) {
-    const PropertyList list{Dictionary{{"a", {Array{whole(1), text("é"), {2.5}}}}, {"b", {PropertyList::Data{"x"}}}}};
+    const PropertyList list{Dictionary{{"a", {Array{integer(1), text("é"), {2.5}}}}, {"b", {PropertyList::Data{"x"}}}}};
     EXPECT_EQ(read(lists.data(list)), list);
 }
 
@@ -266,9 +266,9 @@ TEST_F(PosixPropertyListsTest, AnotherReaderUnderstandsWhatItWrites) {
     const TemporaryFolder folder;
     writeFile(folder / "list",
               lists.data({Dictionary{{"text", text("é\0\U0001F600"s)},
-                                     {"list", {Array{{true}, whole(-7), whole(300), {0.25}, {Array{}}}}},
+                                     {"list", {Array{{true}, integer(-7), integer(300), {0.25}, {Array{}}}}},
                                      {"data", {PropertyList::Data{"\0x"s}}},
-                                     {"id", {Dictionary{{"CF$UID", whole(9)}}}}}}));
+                                     {"id", {Dictionary{{"CF$UID", integer(9)}}}}}}));
     EXPECT_EQ(python("value = plistlib.load(open(sys.argv[1], 'rb'))\n"
                      "print(sorted((key, ascii(item)) for key, item in value.items()))",
                      folder / "list"),
@@ -284,10 +284,10 @@ TEST_F(PosixPropertyListsTest, UnderstandsWhatAnotherWriterWrote) {
                                 "         'when': datetime.datetime(2001, 1, 2), 'many': list(range(300))}\n"
                                 "plistlib.dump(value, open(sys.argv[1], 'wb'), fmt=plistlib.";
     Array many;
-    for (int number = 0; number < 300; ++number) many.push_back(whole(number));
+    for (int number = 0; number < 300; ++number) many.push_back(integer(number));
     const Dictionary expected{
         {"text", text("é\U0001F600")},
-        {"list", {Array{{true}, whole(-7), whole(std::int64_t{1} << 40U), {0.25}, {PropertyList::Data{"x"}}}}},
+        {"list", {Array{{true}, integer(-7), integer(std::int64_t{1} << 40U), {0.25}, {PropertyList::Data{"x"}}}}},
         {"when", {86400.0}},
         {"many", {many}}};
     python(program + "FMT_BINARY)", folder / "binary");

@@ -24,7 +24,7 @@ using testing::ScriptedServer;
 using Kind = UploadError::Kind;
 using Ending = ScriptedServer::Ending;
 
-constexpr auto accepted = R"({"data":{"response":{"statusCode":200,"success":["1.log"]}}})";
+constexpr auto acceptance = R"({"data":{"response":{"statusCode":200,"success":["1.log"]}}})";
 
 // Uploads archives to a real server on the loopback interface.
 class UploadOverHTTP : public ::testing::Test {
@@ -62,7 +62,7 @@ protected:
 TEST_F(UploadOverHTTP, TheServerReceivesTheFormByteForByte) {
     std::string bytes = "PK\x03\x04";
     for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-    server.script({.answer = ScriptedServer::response(accepted)});
+    server.script({.answer = ScriptedServer::response(acceptance)});
     EXPECT_NE(resultOf(finish(start("07-03-2024T14-05-09-124.zip", bytes))), nullptr);
 
     const auto request = server.request(0);
@@ -82,7 +82,7 @@ TEST_F(UploadOverHTTP, TheServerReceivesTheFormByteForByte) {
 
 TEST_F(UploadOverHTTP, TheCookieHeaderCarriesTheTokenExactly) {
     host.token = "Caf\xC3\xA9=\"a; b\", c\\d:e";
-    EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(accepted))), nullptr);
+    EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(acceptance))), nullptr);
     EXPECT_TRUE(server.request(0).hasLine("cookie: Caf\xC3\xA9=\"a; b\", c\\d:e")) << server.request(0).head;
 }
 
@@ -92,7 +92,7 @@ TEST_F(UploadOverHTTP, ATokenThatWouldAddAHeaderIsNotSentAsOne) {
         host.token = token;
         parameters["authtoken"] = token;
         const auto place = server.requestCount();
-        EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(accepted))), nullptr);
+        EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(acceptance))), nullptr);
         const auto request = server.request(place);
         EXPECT_THAT(request.head, Not(HasSubstr("Evil")));
         EXPECT_THAT(request.head, Not(HasSubstr("cookie")));
@@ -104,7 +104,7 @@ TEST_F(UploadOverHTTP, TheHTTPStatusIsNotExamined) {
     for (const auto* status :
          {"200 OK", "201 Created", "400 Bad Request", "401 Unauthorized", "404 Not Found", "413 Content Too Large",
           "500 Internal Server Error", "503 Service Unavailable", "599 Odd"})
-        EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(accepted, status))), nullptr) << status;
+        EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(acceptance, status))), nullptr) << status;
     EXPECT_EQ(errorKindOf(outcomeOf(ScriptedServer::response("{}", "200 OK"))), Kind::invalidResponse);
 }
 
@@ -117,7 +117,8 @@ TEST_F(UploadOverHTTP, AnAnswerWithoutABodyIsInvalidData) {
 
 TEST_F(UploadOverHTTP, AnAnswerInChunksIsWhole) {
     std::string answer = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
-    for (const char character : std::string_view(accepted)) answer.append("1\r\n").append(1, character).append("\r\n");
+    for (const char character : std::string_view(acceptance))
+        answer.append("1\r\n").append(1, character).append("\r\n");
     EXPECT_NE(resultOf(outcomeOf(answer + "0\r\n\r\n")), nullptr);
 }
 
@@ -127,7 +128,7 @@ TEST_F(UploadOverHTTP, OfARedirectThatIsNotFollowedTheBodyDecides) {
         EXPECT_EQ(errorKindOf(outcomeOf(ScriptedServer::response("<html>", status, "Location: /other\r\n"))),
                   Kind::invalidResponse)
             << status;
-        EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(accepted, status, "Location: /other\r\n"))), nullptr)
+        EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(acceptance, status, "Location: /other\r\n"))), nullptr)
             << status;
         EXPECT_EQ(server.requestCount(), before + 2) << status;
     }
@@ -135,14 +136,14 @@ TEST_F(UploadOverHTTP, OfARedirectThatIsNotFollowedTheBodyDecides) {
 
 TEST_F(UploadOverHTTP, ARedirectThatKeepsTheMethodIsFollowedWithTheWholeForm) {
     server.script({.answer = ScriptedServer::response("", "307 Temporary Redirect", "Location: /other\r\n")});
-    EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(accepted))), nullptr);
+    EXPECT_NE(resultOf(outcomeOf(ScriptedServer::response(acceptance))), nullptr);
     EXPECT_TRUE(server.request(1).head.starts_with("POST /other HTTP/1.1\r\n"));
     EXPECT_EQ(server.request(1).body, server.request(0).body);
     EXPECT_TRUE(server.request(1).hasLine("cookie: token-1"));
 }
 
 TEST_F(UploadOverHTTP, AConnectionThatBreaksIsATransportError) {
-    const auto whole = ScriptedServer::response(accepted);
+    const auto whole = ScriptedServer::response(acceptance);
     const auto cases = {std::pair{std::string(), Ending::closes}, std::pair{std::string(), Ending::resets},
                         std::pair{whole.substr(0, 9), Ending::closes},
                         std::pair{whole.substr(0, whole.size() - 1), Ending::closes},
@@ -163,8 +164,8 @@ TEST_F(UploadOverHTTP, WhatIsNoHTTPIsATransportError) {
 }
 
 TEST_F(UploadOverHTTP, NobodyAtTheAddressIsATransportError) {
-    const auto address = [] { return ScriptedServer().url(); }(); // gone again
-    testing::UploadFixture other(std::make_shared<PosixURLSession>(), address);
+    const auto gone = [] { return ScriptedServer().url(); }();
+    testing::UploadFixture other(std::make_shared<PosixURLSession>(), gone);
     std::promise<UploadManager::Outcome> outcome;
     other.manager->upload(other.archive("a.zip"), parameters,
                           [&](UploadManager::Outcome value) { outcome.set_value(std::move(value)); });
@@ -182,8 +183,9 @@ TEST_F(UploadOverHTTP, ALongAnswerIsTakenWhole) {
 }
 
 TEST_F(UploadOverHTTP, AnAnswerWithoutEndIsATransportError) {
-    EXPECT_EQ(errorKindOf(outcomeOf(ScriptedServer::response(std::string(64U << 20U, ' ') + accepted), Ending::closes)),
-              Kind::error);
+    EXPECT_EQ(
+        errorKindOf(outcomeOf(ScriptedServer::response(std::string(64U << 20U, ' ') + acceptance), Ending::closes)),
+        Kind::error);
     EXPECT_FALSE(host.manager->isUploading("a.zip"));
 }
 
@@ -191,7 +193,7 @@ TEST_F(UploadOverHTTP, ALargeArchiveArrivesWhole) {
     std::string bytes;
     for (std::uint32_t word = 0; bytes.size() < (24U << 20U); ++word)
         bytes.append(reinterpret_cast<const char*>(&word), sizeof word);
-    server.script({.answer = ScriptedServer::response(accepted)});
+    server.script({.answer = ScriptedServer::response(acceptance)});
     EXPECT_NE(resultOf(finish(start("a.zip", bytes))), nullptr);
     const auto body = server.request(0).body;
     const auto parts = testing::parseMultipart(body, body.substr(2, body.find("\r\n") - 2));
@@ -202,7 +204,7 @@ TEST_F(UploadOverHTTP, ALargeArchiveArrivesWhole) {
 TEST_F(UploadOverHTTP, ManyUploadsAtOnceAllComplete) {
     std::vector<std::future<UploadManager::Outcome>> outcomes;
     for (int count = 0; count < 20; ++count) {
-        server.script({.answer = ScriptedServer::response(accepted)});
+        server.script({.answer = ScriptedServer::response(acceptance)});
         outcomes.push_back(start(std::to_string(count) + ".zip"));
     }
     for (auto& outcome : outcomes) EXPECT_NE(resultOf(finish(std::move(outcome))), nullptr);
@@ -226,7 +228,7 @@ TEST_F(UploadOverHTTP, AManagerGoesWithoutWaitingForItsUploads) {
 }
 
 TEST_F(UploadOverHTTP, ACompletionMayLetTheManagerAndItsSessionGo) {
-    server.script({.answer = ScriptedServer::response(accepted)});
+    server.script({.answer = ScriptedServer::response(acceptance)});
     std::promise<void> completed;
     host.manager->upload(host.archive("a.zip"), parameters, [&](const UploadManager::Outcome&) {
         host.manager.reset();

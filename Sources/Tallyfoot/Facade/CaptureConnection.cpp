@@ -32,11 +32,11 @@ private:
     static Tallyfoot::Implementation& facade() { return Tallyfoot::Implementation::shared(); }
 };
 
-constinit std::atomic<Capture*> connected = nullptr;
+constinit std::atomic<Capture*> connectedCapture = nullptr;
 
 Capture& connect(const CaptureBinding& binding) {
     auto* const capture = new Capture(binding, *new ConnectedFacade);
-    connected = capture;
+    connectedCapture = capture;
     return *capture;
 }
 
@@ -48,7 +48,7 @@ Capture& connectCapture(const CaptureBinding& binding) {
 }
 
 void installConnectedCapture() {
-    if (auto* const capture = connected.load()) capture->configureSwizzle();
+    if (auto* const capture = connectedCapture.load()) capture->configureSwizzle();
 }
 
 } // namespace tallyfoot

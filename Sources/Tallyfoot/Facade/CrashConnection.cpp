@@ -6,14 +6,14 @@ namespace tallyfoot {
 
 namespace {
 
-constinit std::atomic<const CrashHooks::ExceptionRuntime*> connected = nullptr;
+constinit std::atomic<const CrashHooks::ExceptionRuntime*> connectedRuntime = nullptr;
 
 } // namespace
 
-void connectExceptions(const CrashHooks::ExceptionRuntime& runtime) { connected = &runtime; }
+void connectExceptions(const CrashHooks::ExceptionRuntime& runtime) { connectedRuntime = &runtime; }
 
 void connectExceptionsTo(CrashHooks& hooks) {
-    if (const auto* const runtime = connected.load()) hooks.connect(*runtime);
+    if (const auto* const runtime = connectedRuntime.load()) hooks.connect(*runtime);
 }
 
 } // namespace tallyfoot

@@ -12,6 +12,7 @@ namespace tallyfoot {
 
 namespace {
 
+using Folder = AppFolder::Folder;
 using Milliseconds = std::chrono::time_point<std::chrono::system_clock, std::chrono::milliseconds>;
 
 // Never released: a log call made while the process ends still needs them.
@@ -76,7 +77,6 @@ std::optional<Date> DatedNames::date(std::string_view name) {
 }
 
 bool DatedNames::isOnDisk(const std::string& moment, std::string_view extension) const {
-    using Folder = AppFolder::Folder;
     for (const auto folder : {Folder::events, Folder::upload, Folder::backup}) {
         const auto path = appFolder_.path(folder, moment);
         for (const std::string_view taken : {std::string_view(".log"), std::string_view(".zip"), extension}) {

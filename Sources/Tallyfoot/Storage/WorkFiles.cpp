@@ -15,11 +15,11 @@ namespace tallyfoot {
 namespace {
 
 // ".work-7.archive.zip", ".work-7.placeholder", ".work-7.entry.<name>", ".work-7.waste.<name>"
-constexpr std::string_view start = ".work-";
-constexpr std::string_view archive = "archive.zip";
-constexpr std::string_view placeholder = "placeholder";
-constexpr std::string_view entry = "entry.";
-constexpr std::string_view waste = "waste.";
+constexpr std::string_view nameStart = ".work-";
+constexpr std::string_view archiveName = "archive.zip";
+constexpr std::string_view placeholderName = "placeholder";
+constexpr std::string_view entryStart = "entry.";
+constexpr std::string_view wasteStart = "waste.";
 
 std::string joined(std::string_view folder, std::string_view name) {
     return std::string(folder).append("/").append(name);
@@ -49,7 +49,7 @@ std::vector<std::string> names(const FileManager& fileManager, const std::string
 std::string unusedPrefix(const FileManager& fileManager, const std::string& backup) {
     static std::atomic<std::uint64_t> last{0};
     while (true) {
-        auto prefix = std::string(start) + std::to_string(++last) + '.';
+        auto prefix = std::string(nameStart) + std::to_string(++last) + '.';
         if (names(fileManager, backup, prefix).empty()) return prefix;
     }
 }
@@ -70,13 +70,13 @@ WorkFiles::~WorkFiles() {
     inUse().modify([&](auto& prefixes) { prefixes.erase(joined(backup_, prefix_)); });
 }
 
-std::string WorkFiles::archivePath() const { return joined(backup_, prefix_, archive); }
+std::string WorkFiles::archivePath() const { return joined(backup_, prefix_, archiveName); }
 
-std::string WorkFiles::placeholderPath() const { return joined(backup_, prefix_, placeholder); }
+std::string WorkFiles::placeholderPath() const { return joined(backup_, prefix_, placeholderName); }
 
-std::string WorkFiles::entryPath(std::string_view name) const { return joined(backup_, prefix_, entry, name); }
+std::string WorkFiles::entryPath(std::string_view name) const { return joined(backup_, prefix_, entryStart, name); }
 
-std::string WorkFiles::discardedPath(std::string_view name) const { return joined(backup_, prefix_, waste, name); }
+std::string WorkFiles::discardedPath(std::string_view name) const { return joined(backup_, prefix_, wasteStart, name); }
 
 Result<void> WorkFiles::discard(const std::string& path) {
     return fileManager_.moveItem(path, discardedPath(lastPathComponent(path)));
@@ -85,14 +85,15 @@ Result<void> WorkFiles::discard(const std::string& path) {
 void WorkFiles::removeAbandoned(FileManager& fileManager, const std::string& backup) {
     const auto used = inUse().copy();
     std::set<std::string> prefixes;
-    for (const auto& name : names(fileManager, backup, start)) prefixes.insert(name.substr(0, name.find('.', 1) + 1));
+    for (const auto& name : names(fileManager, backup, nameStart))
+        prefixes.insert(name.substr(0, name.find('.', 1) + 1));
     for (const auto& prefix : prefixes) {
         if (!used.contains(joined(backup, prefix))) dissolve(fileManager, backup, prefix);
     }
     const auto folder = backup + '/';
     if (std::ranges::any_of(used, [&](const auto& prefix) { return prefix.starts_with(folder); })) return;
     for (const auto& name : names(fileManager, backup, ".")) { // what a killed write had not renamed yet
-        if (!name.starts_with(start)) (void)fileManager.removeItem(joined(backup, name));
+        if (!name.starts_with(nameStart)) (void)fileManager.removeItem(joined(backup, name));
     }
 }
 

@@ -14,7 +14,7 @@ namespace tallyfoot {
 
 namespace {
 
-std::string lastPathComponent(std::string_view path) {
+std::string lastComponent(std::string_view path) {
     while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
     return std::string(path.substr(path.rfind('/') + 1));
 }
@@ -32,7 +32,7 @@ UploadManager::UploadManager(Collaborators collaborators, std::optional<std::str
 
 void UploadManager::upload(const std::string& archivePath, const Parameters& parameters, Completion completion) {
     const auto& console = collaborators_.console;
-    std::string fileName = lastPathComponent(archivePath);
+    std::string fileName = lastComponent(archivePath);
     uploadsInProgress_.modify([&](auto& names) { names.insert(fileName); });
 
     auto data = collaborators_.fileManager.contents(archivePath);

@@ -35,7 +35,7 @@ constinit std::atomic<pid_t> crashingThread{0};
 constinit std::atomic<pid_t> reasoningThread{0}; // asks an exception for its reason
 constinit std::atomic<int> crashingSignal{0};    // 0 for an exception
 constinit std::atomic<bool> isKept{false};
-constinit std::atomic<std::int64_t> deadline{0}; // of the watchdog, in nanoseconds
+constinit std::atomic<std::int64_t> watchdogDeadline{0}; // in nanoseconds
 constinit const void* interruptedMask = nullptr; // where the crashing thread's is; nobody else touches it
 
 static_assert(std::atomic<CrashHooks::SignalHook>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
@@ -76,7 +76,7 @@ void keep(std::string_view reason) noexcept;
 
 // A timer of the host's may ring with the same signal, and earlier.
 void onAlarm(int) {
-    if (now() < deadline.load()) return;
+    if (now() < watchdogDeadline.load()) return;
     // A reason that does not come is none. Of several threads that hear this at once, one keeps that, and the
     // others wait for it.
     if (reasoningThread.load() != 0 && !isKept.load()) keep({});
@@ -102,7 +102,7 @@ bool ring(int number, unsigned seconds, Hearer hearer) noexcept {
 // if this one cannot hear it; the second to this one, if a thread of the host's waits for the first and takes
 // it. The process's one alarm only where there is no timer: it would outlive an exec.
 void armWatchdog() noexcept {
-    deadline.store(now() + std::int64_t{patienceInSeconds} * 1'000'000'000);
+    watchdogDeadline.store(now() + std::int64_t{patienceInSeconds} * 1'000'000'000);
     setAction(SIGALRM, onAlarm);
     unblock(SIGALRM);
     if (!ring(SIGALRM, patienceInSeconds, Hearer::anyThread)) ::alarm(patienceInSeconds);
