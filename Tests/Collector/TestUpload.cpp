@@ -123,7 +123,7 @@ std::string record(const std::string& evtId, const std::string& evtType) {
 
 std::string log(const std::vector<std::string>& records) {
     std::string text;
-    for (const auto& one : records) text += one + "jsonsplit";
+    for (const auto& each : records) text += each + "jsonsplit";
     return text;
 }
 
