@@ -36,7 +36,7 @@ constinit std::atomic<pid_t> reasoningThread{0}; // asks an exception for its re
 constinit std::atomic<int> crashingSignal{0};    // 0 for an exception
 constinit std::atomic<bool> isKept{false};
 constinit std::atomic<std::int64_t> watchdogDeadline{0}; // in nanoseconds
-constinit const void* interruptedMask = nullptr; // where the crashing thread's is; nobody else touches it
+constinit const void* interruptedMask = nullptr;         // where the crashing thread's is; nobody else touches it
 
 static_assert(std::atomic<CrashHooks::SignalHook>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
 
