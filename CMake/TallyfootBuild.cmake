@@ -55,3 +55,13 @@ function(tallyfoot_precompile target)
     target_precompile_headers(${target} ${ARGN})
   endif()
 endfunction()
+
+# The same for Objective-C++. Foundation first: clang's own idea of a protocol would stand in its way.
+function(tallyfoot_precompile_objc name)
+  if(TALLYFOOT_QUICK_BUILD AND ARGV1 STREQUAL "REUSE_FROM")
+    target_precompile_headers(${name} REUSE_FROM ${ARGV2})
+  elseif(TALLYFOOT_QUICK_BUILD)
+    list(TRANSFORM ARGN REPLACE "(.+)" "<\\1$<ANGLE-R>" OUTPUT_VARIABLE headers)
+    target_precompile_headers(${name} PRIVATE "$<$<COMPILE_LANGUAGE:OBJCXX>:${headers}>")
+  endif()
+endfunction()

@@ -271,7 +271,7 @@ TEST(JSONWriter, Writes512LevelsAndNoMore) {
     const auto deepest = nlohmann::json::parse(brackets(512));
     EXPECT_EQ(json::write(deepest), brackets(512));
     EXPECT_FALSE(json::write(nlohmann::json::array({deepest})));
-    EXPECT_FALSE(json::write(nlohmann::json::parse(brackets(1'000'000))));
+    EXPECT_FALSE(json::write(nlohmann::json::parse(brackets(200'000))));
 }
 
 TEST(JSONWriter, SaysHowDeepAValueIs) {
@@ -313,7 +313,7 @@ std::string nearlyJSON(std::mt19937& random) {
 TEST(JSONReader, AcceptsExactlyWhatAnotherReaderDoes) {
     std::mt19937 random(3);
     int accepted = 0;
-    for (int round = 0; round < 200'000; ++round) {
+    for (int round = 0; round < 50'000; ++round) {
         const std::string text = nearlyJSON(random);
         const bool expected =
             text.find('\0') == std::string::npos && nlohmann::json::accept(text); // which takes a zero byte for the end
@@ -326,7 +326,7 @@ TEST(JSONReader, AcceptsExactlyWhatAnotherReaderDoes) {
         ASSERT_EQ(json::parse(*written), value) << text;
         ASSERT_EQ(nlohmann::json::parse(*written), *value) << text;
     }
-    EXPECT_GT(accepted, 10'000);
+    EXPECT_GT(accepted, 2'500);
 }
 
 } // namespace

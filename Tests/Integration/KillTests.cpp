@@ -74,7 +74,8 @@ TEST(Processes, OfOneApplicationAtOnceLoseNothingOfEachOther) {
     const Device device(folder.path());
     CollectorProcess collector;
     std::set<std::string> acknowledged;
-    for (int round = 0; round < 4; ++round) {
+    const auto rounds = setting("TALLYFOOT_PROCESSES_ROUNDS", 4);
+    for (unsigned round = 0; round < rounds; ++round) {
         const auto run = "run" + std::to_string(round);
         HostProcess first(device, collector.url(), "Shop", run + "first");
         first.tell("burst 2 400");
