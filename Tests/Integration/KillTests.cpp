@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <random>
 
 namespace tallyfoot::testing {
@@ -12,12 +13,24 @@ namespace {
 
 using ::testing::IsEmpty;
 
-// What reached the server and what is still on the device, each counted as often as it is there.
-std::map<std::string, int> occurrences(CollectorProcess& collector) {
-    std::map<std::string, int> count;
-    for (const auto& event : collector.events()) ++count[event.at("evtId").get<std::string>()];
-    return count;
-}
+// The events at the server, each counted as often as it came. Asks for what is new only, since a campaign asks often.
+class Arrivals {
+public:
+    explicit Arrivals(CollectorProcess& collector) : collector_(collector) {}
+
+    const std::map<std::string, int>& now() {
+        for (const auto& event : collector_.events("after=" + std::to_string(last_))) {
+            ++counts_[event.at("evtId").get<std::string>()];
+            last_ = event.at("id").get<std::int64_t>(); // they come in the order of these
+        }
+        return counts_;
+    }
+
+private:
+    CollectorProcess& collector_;
+    std::int64_t last_ = 0;
+    std::map<std::string, int> counts_;
+};
 
 class Kill : public ::testing::TestWithParam<bool> {};
 
@@ -31,6 +44,7 @@ TEST_P(Kill, AtRandomMomentsLosesNoAcknowledgedEvent) {
     const Device device(folder.path());
     CollectorProcess collector(serverMisbehaves ? std::vector<std::string>{"--random-faults", std::to_string(seed)}
                                                 : std::vector<std::string>{});
+    Arrivals arrivals(collector);
     std::set<std::string> acknowledged;
     const auto rounds = setting("TALLYFOOT_KILL_ROUNDS", 12);
     for (unsigned round = 0; round < rounds; ++round) {
@@ -43,7 +57,7 @@ TEST_P(Kill, AtRandomMomentsLosesNoAcknowledgedEvent) {
 
         // At every moment each of them is at the server or on the device.
         const auto stored = device.storedEvents();
-        const auto arrived = occurrences(collector);
+        const auto& arrived = arrivals.now();
         for (const auto& id : acknowledged)
             ASSERT_TRUE(stored.contains(id) || arrived.contains(id)) << id << " is lost after round " << round;
     }
@@ -58,7 +72,7 @@ TEST_P(Kill, AtRandomMomentsLosesNoAcknowledgedEvent) {
 
     // Nothing that nobody logged: an unacknowledged event belongs to the moment of a kill.
     std::map<std::string, int> strangers;
-    for (const auto& [id, count] : occurrences(collector))
+    for (const auto& [id, count] : arrivals.now())
         if (!acknowledged.contains(id) && !host.acknowledged().contains(id)) ++strangers[id.substr(0, id.find('-'))];
     for (const auto& [run, count] : strangers) EXPECT_LE(count, 4) << "at most one for each thread of " << run;
     for (const auto& problem : collector.problems())
@@ -73,6 +87,7 @@ TEST(Processes, OfOneApplicationAtOnceLoseNothingOfEachOther) {
     TemporaryFolder folder;
     const Device device(folder.path());
     CollectorProcess collector;
+    Arrivals arrivals(collector);
     std::set<std::string> acknowledged;
     const auto rounds = setting("TALLYFOOT_PROCESSES_ROUNDS", 4);
     for (unsigned round = 0; round < rounds; ++round) {
@@ -89,7 +104,7 @@ TEST(Processes, OfOneApplicationAtOnceLoseNothingOfEachOther) {
             acknowledged.insert(host->acknowledged().begin(), host->acknowledged().end());
         }
         const auto stored = device.storedEvents();
-        const auto arrived = occurrences(collector);
+        const auto& arrived = arrivals.now();
         for (const auto& id : acknowledged)
             ASSERT_TRUE(stored.contains(id) || arrived.contains(id)) << id << " is lost in round " << round;
     }
