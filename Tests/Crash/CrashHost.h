@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -16,6 +17,8 @@
 #include <vector>
 
 namespace tallyfoot::testing {
+
+inline constexpr int aborted = 128 + SIGABRT; // how an uncaught exception ends a process
 
 // One device. A host crashes there in a process of its own; then the test's process is the next start.
 class CrashTest : public ::testing::Test {

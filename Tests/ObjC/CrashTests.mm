@@ -49,10 +49,10 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using tallyfoot::testing::aborted;
 using tallyfoot::testing::writeToForbiddenMemory;
 
 constexpr int ended = 1; // as Foundation ends a process for an exception that nobody catches
-constexpr int aborted = 128 + SIGABRT;
 
 void raise(NSString* reason) {
     Raiser* raiser = [[[Raiser alloc] init] autorelease];
