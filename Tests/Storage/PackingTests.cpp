@@ -321,6 +321,13 @@ TEST_F(PackingTest, WhatAKilledRunLeftUnfinishedGoesAtTheNextStart) {
     EXPECT_THAT(names(Folder::upload), ElementsAre("a.log"));
 }
 
+TEST_F(PackingTest, AStrangersFileWithANameLikeOursTakesNoArchiveAway) {
+    putArchive("a.zip", {{"a.log", "1"}});
+    put(Folder::backup, ".work-stranger", "");
+    makeFileHandler();
+    EXPECT_EQ(bytes(Folder::upload, "a.log"), "1");
+}
+
 TEST_F(PackingTest, FilesStayWhenTheArchiveCannotBePutInPlace) {
     class Stuck final : public RelayFileManager {
     public:

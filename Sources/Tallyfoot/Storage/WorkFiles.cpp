@@ -85,8 +85,10 @@ Result<void> WorkFiles::discard(const std::string& path) {
 void WorkFiles::removeAbandoned(FileManager& fileManager, const std::string& backup) {
     const auto used = inUse().copy();
     std::set<std::string> prefixes;
-    for (const auto& name : names(fileManager, backup, nameStart))
-        prefixes.insert(name.substr(0, name.find('.', 1) + 1));
+    for (const auto& name : names(fileManager, backup, nameStart)) {
+        const auto end = name.find('.', nameStart.size()); // without one it is a stranger's
+        if (end != std::string::npos) prefixes.insert(name.substr(0, end + 1));
+    }
     for (const auto& prefix : prefixes) {
         if (!used.contains(joined(backup, prefix))) dissolve(fileManager, backup, prefix);
     }
