@@ -1,5 +1,6 @@
 #include "RelayFileManager.h"
 #include "StorageFixture.h"
+#include "Support/OrdinaryUser.h"
 
 #include "Tallyfoot/Storage/Archive.h"
 
@@ -325,6 +326,34 @@ TEST_F(PackingTest, AStrangersFileWithANameLikeOursTakesNoArchiveAway) {
     putArchive("a.zip", {{"a.log", "1"}});
     put(Folder::backup, ".work-stranger", "");
     makeFileHandler();
+    EXPECT_EQ(bytes(Folder::upload, "a.log"), "1");
+}
+
+TEST_F(PackingTest, ALogThatCannotBeReadStaysAndDoesNotHoldUpTheOthers) {
+    put(Folder::upload, "a.log", "1");
+    put(Folder::upload, "b.log", "2");
+    put(Folder::upload, "c.log", "3");
+    const auto unreadable = path(Folder::upload, "b.log");
+    fs::permissions(unreadable, fs::perms::none);
+    EXPECT_TRUE(asOrdinaryUser(support, [&] {
+        handler->zip(directly);
+        return console.text().find("Error while zipping files: ") != std::string::npos;
+    }));
+    fs::permissions(unreadable, fs::perms::owner_all);
+    EXPECT_THAT(packedNames(), UnorderedElementsAre("a.log", "c.log"));
+    EXPECT_THAT(names(Folder::upload), ElementsAre("b.log"));
+    EXPECT_EQ(bytes(Folder::upload, "b.log"), "2");
+}
+
+TEST_F(PackingTest, ALogThatCannotBeReadIsReportedOnceWhereItIsTheOnlyOne) {
+    put(Folder::upload, "a.log", "1");
+    fs::permissions(path(Folder::upload, "a.log"), fs::perms::none);
+    EXPECT_TRUE(asOrdinaryUser(support, [&] {
+        handler->zip(directly);
+        return console.lines().size() == 1;
+    }));
+    fs::permissions(path(Folder::upload, "a.log"), fs::perms::owner_all);
+    EXPECT_THAT(names(Folder::backup), IsEmpty());
     EXPECT_EQ(bytes(Folder::upload, "a.log"), "1");
 }
 

@@ -14,9 +14,16 @@ LogPacker::LogPacker(FileManager& fileManager, DebugConsole console, AppFolder& 
 
 void LogPacker::pack(Turn turn) {
     constexpr int attempts = 4;
+    bool withoutUnreadable = false;
     for (int count = 0; count < attempts; ++count) {
-        const auto logs = closedLogs(turn);
-        if (logs.empty() || attempt(logs, turn) != Outcome::changed) return;
+        auto logs = closedLogs(turn);
+        if (withoutUnreadable) removeUnreadable(logs);
+        if (logs.empty()) return;
+        const auto outcome = attempt(logs, turn);
+        if (outcome == Outcome::packed) return;
+        if (outcome == Outcome::changed) continue;
+        if (withoutUnreadable || !removeUnreadable(logs)) return;
+        withoutUnreadable = true;
     }
     report("the log files keep changing");
 }
@@ -32,6 +39,14 @@ LogPacker::Logs LogPacker::closedLogs(Turn turn) {
     }
     std::erase_if(logs, [](const AppFolder::Item& item) { return !AppFolder::isNonEmptyLog(item); });
     return logs;
+}
+
+bool LogPacker::removeUnreadable(Logs& logs) const {
+    return std::erase_if(logs,
+                         [this](const AppFolder::Item& item) {
+                             return !fileManager_.contents(appFolder_.path(Folder::upload, item.name));
+                         })
+           > 0;
 }
 
 LogPacker::Outcome LogPacker::attempt(const Logs& logs, Turn turn) {

@@ -22,7 +22,8 @@ namespace tallyfoot {
 //     in short turns      the files out of Upload
 //     without the turn    echo them, delete them
 //
-// Trimming may have taken a file meanwhile; then it starts over. At every instant each record stands
+// Trimming may have taken a file meanwhile; then it starts over. When it fails and there are files that
+// cannot be read, it packs the others alone: one file never holds up the rest. At every instant each record stands
 // in a log or in an archive: a kill right after the archive is in place leaves both, which the next
 // start reconciles. Empty log files, of which there is nothing to send, are deleted on the way.
 //
@@ -44,6 +45,7 @@ private:
     enum class Outcome { packed, changed, failed };
 
     Logs closedLogs(Turn turn);
+    bool removeUnreadable(Logs& logs) const; // true: there were some
     Outcome attempt(const Logs& logs, Turn turn);
     Result<void> pack(const Logs& logs, WorkFiles& work) const;
     bool areUnchanged(const Logs& logs) const;
