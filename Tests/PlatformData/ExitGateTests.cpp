@@ -56,7 +56,8 @@ std::atomic<bool> isReleased = false;
 
 void releaseSlowly(void*) {
     while (!isEnding) std::this_thread::yield();
-    for (int turn = 0; turn < 50; ++turn) std::this_thread::yield();
+    const auto began = Clock::now();
+    while (Clock::now() - began < 100ms) std::this_thread::yield();
     isReleased = true;
 }
 
