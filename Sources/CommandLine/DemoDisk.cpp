@@ -32,7 +32,7 @@ public:
 
 private:
     void readFile(const fs::path& path, std::uintmax_t bytes) {
-        DemoDisk::File file{fs::relative(path, folder_).string(), 0, bytes};
+        DemoDisk::File file{path.lexically_relative(folder_).string(), 0, bytes};
         RecordVisitor visitor;
         visitor.record = [&](const std::string&, std::string_view record) {
             ++file.records;
