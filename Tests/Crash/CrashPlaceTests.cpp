@@ -29,6 +29,9 @@ struct Case {
     std::string kind;
 };
 
+std::string name(const Case& one) { return one.kind + one.fault.name + "On" + one.place.name; }
+void PrintTo(const Case& one, std::ostream* stream) { *stream << name(one); }
+
 std::vector<Case> cases() {
     std::vector<Case> all;
     for (const auto& place : places()) {
@@ -55,9 +58,8 @@ TEST_P(CrashOn, IsToldAtTheNextStartOnce) {
     EXPECT_THAT(told(), SizeIs(1)); // not again
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, CrashOn, ::testing::ValuesIn(cases()), [](const auto& parameter) {
-    return parameter.param.kind + parameter.param.fault.name + "On" + parameter.param.place.name;
-});
+INSTANTIATE_TEST_SUITE_P(Signals, CrashOn, ::testing::ValuesIn(cases()),
+                         [](const auto& parameter) { return name(parameter.param); });
 
 class BrokenPipeOn : public CrashTest, public ::testing::WithParamInterface<Place> {};
 
