@@ -4,7 +4,7 @@
 .DEFAULT_GOAL := help
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 # Many a test waits, for a watchdog or for a silent peer.
-TESTS ?= $(shell echo $$((2 * $(JOBS))))
+TESTS ?= $(shell echo $$((3 * $(JOBS))))
 PREFIX ?= /usr/local
 ROUNDS ?= 300
 # ThreadSanitizer wants the fixed layout of addresses; where a container forbids that, we go without.
