@@ -5,16 +5,27 @@
 #include <malloc.h>
 #include <sched.h>
 #include <sys/resource.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 // Crashes of processes that lack what is needed to keep them: files, room, descriptors, a heap in order.
 namespace tallyfoot::testing {
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TALLYFOOT_HAS_SANITIZERS_LOCK 1
+void lockSanitizersMemory() __asm__("_ZN6__lsan13LockAllocatorEv");
+#endif
+#endif
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -113,6 +124,25 @@ TEST_F(CrashTest, AHeapThatIsFoundCorruptIsTold) {
         std::free(block); // NOLINT: on purpose
     }));
     EXPECT_THAT(told(), ElementsAre("SIGABRT"));
+}
+#endif
+
+#if TALLYFOOT_HAS_SANITIZERS_LOCK
+TEST_F(CrashTest, AFaultWhileTheLockOfTheSanitizersMemoryIsHeldIsTold) {
+    ASSERT_TRUE(crashes(SIGSEGV, [] {
+        sigevent event{};
+        event.sigev_notify = SIGEV_SIGNAL;
+        event.sigev_signo = SIGSEGV;
+        itimerspec time{};
+        time.it_value.tv_nsec = 100'000'000;
+        timer_t timer{};
+        ::timer_create(CLOCK_MONOTONIC, &event, &timer);
+        ::timer_settime(timer, 0, &time, nullptr);
+        std::vector<void*> blocks(100'000);
+        lockSanitizersMemory();
+        for (auto& block : blocks) block = std::malloc(sizeof(FILE)); // until what the thread has in store is used up
+    }));
+    EXPECT_THAT(told(), ElementsAre("SIGSEGV"));
 }
 #endif
 
