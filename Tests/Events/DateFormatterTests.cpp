@@ -61,6 +61,19 @@ TEST_F(DateFormatterTest, AVeryLongTextIsNoDate) {
     EXPECT_FALSE(DateFormatter("yyyy").date(std::string(10'000'000, '0') + "2024"));
 }
 
+// Of so many digits ICU makes a division by zero.
+TEST_F(DateFormatterTest, AFractionOfVeryManyDigitsIsNoDate) {
+    const DateFormatter formatter("dd-MM-yyyy'T'HH-mm-ss-SSS");
+    for (std::size_t digits = 10; digits < 100; ++digits) {
+        EXPECT_FALSE(formatter.date("07-03-2024T14-05-09-" + std::string(digits, '1')));
+        std::string arabic;
+        for (std::size_t digit = 0; digit < digits; ++digit) arabic += "\u0661";
+        EXPECT_FALSE(formatter.date("07-03-2024T14-05-09-" + arabic));
+    }
+    EXPECT_EQ(formatter.date("07-03-2024T14-05-09-123000000"), formatter.date("07-03-2024T14-05-09-123"));
+    EXPECT_TRUE(formatter.date("07-03-2024T14-05-09-123"));
+}
+
 TEST_F(DateFormatterTest, ADayThatIsNotInTheCalendarIsNoDate) {
     const DateFormatter formatter("yyyy-MM-dd HH:mm");
     EXPECT_TRUE(formatter.date("2024-02-29 23:59"));

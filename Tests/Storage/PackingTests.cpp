@@ -4,8 +4,13 @@
 
 #include "Tallyfoot/Storage/Archive.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
 
 namespace tallyfoot::testing {
 namespace {
@@ -374,6 +379,29 @@ TEST_F(PackingTest, FilesStayWhenTheArchiveCannotBePutInPlace) {
     EXPECT_THAT(console.lines(), ElementsAre("\"Error while zipping files: stuck\""));
     EXPECT_EQ(bytes(Folder::upload, "a.log"), "1");
     EXPECT_THAT(names(Folder::backup), IsEmpty());
+}
+
+class PackingAtExitTest : public StorageFixture {};
+
+// The C library empties the buffers of its streams then, and some bytes may come twice.
+TEST_F(PackingAtExitTest, WhatIsPackedWhileTheProcessExitsIsNotTrusted) {
+    static std::function<void()> atExit;
+    put(Folder::upload, "a.log", "1");
+    const auto child = ::fork();
+    if (child == 0) {
+        std::atexit([] { atExit(); }); // comes after the library's own
+        const auto ending = makeFileHandler();
+        atExit = [&] {
+            ending->zip(directly);
+            ::_exit(0);
+        };
+        std::exit(1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(names(Folder::backup), IsEmpty());
+    EXPECT_EQ(bytes(Folder::upload, "a.log"), "1");
 }
 
 } // namespace

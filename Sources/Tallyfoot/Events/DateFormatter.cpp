@@ -2,6 +2,7 @@
 
 #include <unicode/parsepos.h>
 #include <unicode/smpdtfmt.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <chrono>
@@ -12,9 +13,21 @@ namespace tallyfoot {
 namespace {
 
 constexpr std::size_t longestDate = 1000; // no pattern of ours comes near it
+constexpr int mostDigits = 9; // in a row: of more, ICU's power of ten for a fraction overflows, in the end to zero
 
 icu::UnicodeString fromUTF8(std::string_view text) {
     return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+bool hasLongNumber(const icu::UnicodeString& text) {
+    int digits = 0;
+    for (std::int32_t index = 0; index < text.length(); index = text.moveIndex32(index, 1)) {
+        const auto character = text.char32At(index);
+        if (u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT)) continue; // ICU passes it over
+        digits = u_isdigit(character) ? digits + 1 : 0;
+        if (digits > mostDigits) return true;
+    }
+    return false;
 }
 
 // ICU cuts off what is less than a millisecond. Counted by hand: the earliest dates have no whole
@@ -63,6 +76,7 @@ std::string DateFormatter::string(Date date) const {
 std::optional<Date> DateFormatter::date(std::string_view text) const {
     if (text.size() > longestDate) return std::nullopt;
     const auto whole = fromUTF8(text);
+    if (hasLongNumber(whole)) return std::nullopt;
     icu::ParsePosition position(0);
     UDate milliseconds = 0;
     {

@@ -1,6 +1,7 @@
 #include "Tallyfoot/Storage/Archive.h"
 
 #include "Tallyfoot/Platform/FileSizeLimit.h"
+#include "Tallyfoot/Platform/ProcessEnd.h"
 #include "Tallyfoot/Storage/ArchiveSink.h"
 #include "Tallyfoot/Storage/PathNames.h"
 
@@ -134,7 +135,9 @@ Result<void> extract(FileManager& fileManager, zip_t* archive, const zip_stat_t&
 
 Result<void> Archive::pack(const std::vector<std::string>& filePaths, const std::string& archivePath) {
     if (filePaths.empty()) return {};
-    return withinFileSizeLimit([&] { return packInto(archivePath, filePaths); });
+    auto packed = withinFileSizeLimit([&] { return packInto(archivePath, filePaths); });
+    if (packed && ProcessEnd::hasBegun()) return Error{"the process is ending"}; // libzip and we use streams
+    return packed;
 }
 
 Result<std::vector<std::string>> Archive::unpack(FileManager& fileManager, const std::string& archivePath,

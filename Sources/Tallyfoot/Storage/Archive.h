@@ -12,7 +12,8 @@ namespace tallyfoot {
 // it is read. Memory stays flat whatever the files' size. Any thread.
 class Archive {
 public:
-    // Makes the archive, all of it or none; it must not exist yet. No files: nothing is done.
+    // Makes the archive, all of it or none; it must not exist yet. No files: nothing is done. Fails once the process
+    // has begun to exit: a part of what was packed may be there twice then, or missing.
     static Result<void> pack(const std::vector<std::string>& filePaths, const std::string& archivePath);
 
     // Extracts every entry into a new file whose path is the prefix and the entry's name, and gives

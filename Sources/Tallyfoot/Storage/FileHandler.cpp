@@ -1,6 +1,7 @@
 #include "Tallyfoot/Storage/FileHandler.h"
 
 #include "Tallyfoot/Platform/FatalError.h"
+#include "Tallyfoot/Platform/ProcessEnd.h"
 #include "Tallyfoot/Storage/ArchiveRestorer.h"
 #include "Tallyfoot/Storage/LogPacker.h"
 #include "Tallyfoot/Storage/NameHolder.h"
@@ -23,6 +24,7 @@ FileHandler::FileHandler(Collaborators collaborators, std::shared_ptr<const Uplo
                                                                .thresholdStorageSize =
                                                                    configuration_->storageSize().inBytes()},
       names_(collaborators_.fileManager, collaborators_.clock, *appFolder_) {
+    ProcessEnd::watch();
     appFolder_->createFolders();
     if (const auto lock = lockClosedFiles()) {
         WorkFiles::removeAbandoned(collaborators_.fileManager, appFolder_->path(Folder::backup));
