@@ -74,6 +74,14 @@ TEST_F(DateFormatterTest, AFractionOfVeryManyDigitsIsNoDate) {
     EXPECT_TRUE(formatter.date("07-03-2024T14-05-09-123"));
 }
 
+TEST_F(DateFormatterTest, APatternMayHaveNothingBetweenItsFields) {
+    const auto expected = DateFormatter("dd-MM-yyyy'T'HH-mm-ss-SSS").date("07-03-2024T14-05-09-123");
+    EXPECT_TRUE(expected);
+    EXPECT_EQ(DateFormatter("yyyyMMddHHmmssSSS").date("20240307140509123"), expected);
+    EXPECT_TRUE(DateFormatter("yyyyMMddHHmmss").date("20240307140509"));
+    EXPECT_FALSE(DateFormatter("yyyyMMddHHmmssSSS").date("20240307140509" + std::string(50, '1')));
+}
+
 TEST_F(DateFormatterTest, ADayThatIsNotInTheCalendarIsNoDate) {
     const DateFormatter formatter("yyyy-MM-dd HH:mm");
     EXPECT_TRUE(formatter.date("2024-02-29 23:59"));

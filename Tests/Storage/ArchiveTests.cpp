@@ -1,8 +1,10 @@
 #include "StorageFixture.h"
 
 #include "Tallyfoot/Storage/Archive.h"
+#include "Tallyfoot/Storage/ArchiveSink.h"
 
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <zip.h>
 
@@ -342,6 +344,22 @@ TEST_F(ArchiveTest, WhatGoesToAClosedStandardOutputIsInNoArchive) {
 }
 
 // libzip's way to a file draws random bytes from a library that is torn down by an exit handler.
+// It has the open file, and whatever waits to be written, as its parent has.
+TEST_F(ArchiveTest, AForkedChildThatExitsAddsNothingToAnArchive) {
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* sink = makeArchiveSink(archive, error);
+    ASSERT_NE(sink, nullptr);
+    ASSERT_EQ(zip_source_begin_write(sink), 0);
+    ASSERT_EQ(zip_source_write(sink, "once", 4), 4);
+    const auto child = ::fork();
+    if (child == 0) std::exit(0);
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    ASSERT_EQ(zip_source_commit_write(sink), 0);
+    zip_source_free(sink);
+    EXPECT_EQ(readFile(archive), "once");
+}
+
 TEST_F(ArchiveTest, PackingGoesOnWhileTheProcessEnds) {
     static const auto paths = makeLogs({"a"});
     static const std::string last = archive;

@@ -5,6 +5,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -13,21 +14,34 @@ namespace tallyfoot {
 namespace {
 
 constexpr std::size_t longestDate = 1000; // no pattern of ours comes near it
-constexpr int mostDigits = 9; // in a row: of more, ICU's power of ten for a fraction overflows, in the end to zero
+constexpr int mostDigits =
+    9; // in a row, where the pattern has no more: ICU's power of ten for a fraction overflows, in the end to zero
 
 icu::UnicodeString fromUTF8(std::string_view text) {
     return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
 }
 
-bool hasLongNumber(const icu::UnicodeString& text) {
+bool hasLongerNumber(const icu::UnicodeString& text, int most) {
     int digits = 0;
     for (std::int32_t index = 0; index < text.length(); index = text.moveIndex32(index, 1)) {
         const auto character = text.char32At(index);
         if (u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT)) continue; // ICU passes it over
         digits = u_isdigit(character) ? digits + 1 : 0;
-        if (digits > mostDigits) return true;
+        if (digits > most) return true;
     }
     return false;
+}
+
+// Fields with nothing in between are one number to whoever reads it.
+int longestField(std::string_view pattern) {
+    int longest = mostDigits;
+    int letters = 0;
+    for (const char character : pattern) {
+        const bool isLetter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+        letters = isLetter ? letters + 1 : 0;
+        longest = std::max(longest, letters);
+    }
+    return longest;
 }
 
 // ICU cuts off what is less than a millisecond. Counted by hand: the earliest dates have no whole
@@ -52,7 +66,12 @@ std::optional<Date> date(UDate milliseconds) {
 } // namespace
 
 struct DateFormatter::Implementation {
-    explicit Implementation(std::string_view pattern) : format(fromUTF8(pattern), error) { format.setLenient(false); }
+    explicit Implementation(std::string_view pattern)
+        : mostDigits(longestField(pattern)), format(fromUTF8(pattern), error) {
+        format.setLenient(false);
+    }
+
+    const int mostDigits;
 
     UErrorCode error = U_ZERO_ERROR;
     icu::SimpleDateFormat format;
@@ -76,12 +95,12 @@ std::string DateFormatter::string(Date date) const {
 std::optional<Date> DateFormatter::date(std::string_view text) const {
     if (text.size() > longestDate) return std::nullopt;
     const auto whole = fromUTF8(text);
-    if (hasLongNumber(whole)) return std::nullopt;
     icu::ParsePosition position(0);
     UDate milliseconds = 0;
     {
         MutexLock lock(mutex_);
-        if (U_FAILURE(implementation_->error)) return std::nullopt;
+        if (U_FAILURE(implementation_->error) || hasLongerNumber(whole, implementation_->mostDigits))
+            return std::nullopt;
         milliseconds = implementation_->format.parse(whole, position);
     }
     if (position.getErrorIndex() >= 0 || position.getIndex() == 0 || position.getIndex() != whole.length())

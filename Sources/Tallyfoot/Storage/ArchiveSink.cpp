@@ -18,15 +18,17 @@ struct ClosingFile {
 
 using File = std::unique_ptr<std::FILE, ClosingFile>;
 
-// Under no number of a standard stream that the host has closed: what is meant for the stream would
-// get into the archive.
+// Without a buffer, which a forked child that exits, or an exit of ours, would write as well. Under no number of a
+// standard stream that the host has closed: what is meant for the stream would get into the archive.
 File openNew(const std::filesystem::path& path) {
     std::array<File, 3> placeholders;
     for (auto& placeholder : placeholders) {
         placeholder.reset(std::fopen("/dev/null", "re"));
         if (!placeholder || ::fileno(placeholder.get()) > 2) break;
     }
-    return File(std::fopen(path.c_str(), "wbxe"));
+    File file(std::fopen(path.c_str(), "wbxe"));
+    if (file && std::setvbuf(file.get(), nullptr, _IONBF, 0) != 0) file.reset();
+    return file;
 }
 
 class ArchiveSink {

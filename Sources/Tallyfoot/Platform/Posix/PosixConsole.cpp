@@ -36,9 +36,9 @@ Output& output() {
     return shared;
 }
 
-using Instant = std::chrono::steady_clock::time_point;
+using Moment = std::chrono::steady_clock::time_point;
 
-bool becomesWritable(int descriptor, Instant until) {
+bool becomesWritable(int descriptor, Moment until) {
     pollfd request{descriptor, POLLOUT, 0};
     return retrying([&] {
                const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
@@ -60,7 +60,7 @@ FileDescriptor openedAnew(int terminal) {
 }
 
 // The part that the descriptor did not take.
-std::string_view writtenOut(int descriptor, std::string_view text, Instant until) {
+std::string_view writtenOut(int descriptor, std::string_view text, Moment until) {
     WriteSignals signals;
     const auto kind = kindOf(descriptor);
     const auto terminal = kind == S_IFCHR && ::isatty(descriptor) == 1 ? openedAnew(descriptor) : FileDescriptor();
